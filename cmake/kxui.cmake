@@ -1,0 +1,36 @@
+# Helpers that keep every CMakeLists short.
+set(KXUI_WARNINGS -Wall -Wextra -Wpedantic)
+
+# kxui_sources(VAR DIR...): the non-test sources of the given folders.
+function(kxui_sources out)
+  set(result)
+  foreach(dir IN LISTS ARGN)
+    file(GLOB srcs CONFIGURE_DEPENDS ${dir}/*.cpp)
+    list(FILTER srcs EXCLUDE REGEX "_test\\.cpp$")
+    list(APPEND result ${srcs})
+  endforeach()
+  set(${out} ${result} PARENT_SCOPE)
+endfunction()
+
+# kxui_tests(DIR LIBS...): one test program for a folder's *_test.cpp files.
+function(kxui_tests dir)
+  file(GLOB tests CONFIGURE_DEPENDS ${dir}/*_test.cpp)
+  if(NOT tests OR NOT KXUI_BUILD_TESTS)
+    return()
+  endif()
+  get_filename_component(name ${dir} NAME)
+  get_filename_component(parent ${dir} DIRECTORY)
+  get_filename_component(parent ${parent} NAME)
+  set(target ${parent}_${name}_test)
+  add_executable(${target} ${tests})
+  target_link_libraries(${target} PRIVATE ${ARGN} GTest::gmock GTest::gtest_main)
+  target_compile_options(${target} PRIVATE ${KXUI_WARNINGS})
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST)
+endfunction()
+
+# kxui_bench(NAME SRC LIBS...)
+function(kxui_bench name src)
+  add_executable(${name} ${src})
+  target_link_libraries(${name} PRIVATE ${ARGN} benchmark::benchmark)
+  target_compile_options(${name} PRIVATE ${KXUI_WARNINGS})
+endfunction()

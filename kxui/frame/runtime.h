@@ -1,0 +1,77 @@
+// Runtime: the component registry. Classes are registered under a class name or ProgID
+// (compared case-insensitively) and created by that name; creating an unregistered
+// name fails with 429. Façades take a runtime in their constructor so tests can inject
+// their own; the process runtime serves everything else.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "kxui/frame/errors.h"
+#include "kxui/frame/failure.h"
+#include "kxui/frame/object.h"
+#include "kxui/frame/variant.h"
+
+namespace kxui {
+
+class Runtime {
+ public:
+  using Creator = std::function<ObjectPtr()>;
+
+  // Registers (or replaces) the creator of a name.
+  void Register(std::string_view name, Creator creator);
+  // True when the name was registered.
+  bool Unregister(std::string_view name);
+  bool IsRegistered(std::string_view name) const;
+  // A new object; 429 "Component can't create object" when nothing is registered under
+  // the name or the creator returns nothing; a creator's own Failure passes through.
+  ObjectPtr Create(std::string_view name) const;
+
+  // The runtime of the process, shared by every façade created without one.
+  static std::shared_ptr<Runtime> process();
+
+ private:
+  struct Less {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const;
+  };
+  mutable std::mutex mutex_;  // the process runtime is shared between threads
+  std::map<std::string, Creator, Less> creators_;
+};
+
+// The interface T of an object: 91 for Nothing, 438 when the object lacks it.
+template <class T>
+std::shared_ptr<T> query(const ObjectPtr& obj) {
+  if (!obj) fail(err::kObjectNotSet);
+  auto typed = std::dynamic_pointer_cast<T>(obj);
+  if (!typed) fail(err::kNoSuchMember);
+  return typed;
+}
+
+// Creates a registered object and returns its interface T (429, 438).
+template <class T>
+std::shared_ptr<T> create_as(const Runtime& rt, std::string_view name) {
+  return query<T>(rt.Create(name));
+}
+
+// Late-bound members, by name or by dispatch id, for objects the library addresses the
+// way an external component publishes them.
+class Dispatch : public virtual Object {
+ public:
+  // The dispatch id of a member name; 438 when there is none.
+  virtual int32_t GetIDOfName(std::string_view name) = 0;
+  // Calls (or reads / writes, as the member defines) a member with the arguments in
+  // order; arguments are by reference so members may write back. 438 for an unknown id.
+  virtual Variant Invoke(int32_t dispid, std::span<Variant> args) = 0;
+  Variant Invoke(std::string_view name, std::span<Variant> args) {
+    return Invoke(GetIDOfName(name), args);
+  }
+};
+
+}  // namespace kxui

@@ -1,0 +1,220 @@
+// Variant: the dynamically typed value of the interface, with the classic Automation
+// conversion rules. Conversions never guess: they return the converted value or throw
+// Failure (6 Overflow, 13 Type mismatch, 94 Invalid use of Null, 9 Subscript out of range).
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "kxui/frame/object.h"
+
+namespace kxui {
+
+// Fixed-point money: a 64-bit integer scaled by 10,000 (four decimals).
+struct Currency {
+  int64_t scaled = 0;
+
+  static constexpr int64_t kScale = 10000;
+  static constexpr Currency from_scaled(int64_t v) { return Currency{v}; }
+  // Rounds half to even at the fifth decimal; 6 Overflow outside the int64 range.
+  static Currency from_double(double v);
+  double to_double() const { return static_cast<double>(scaled) / kScale; }
+  friend constexpr auto operator<=>(Currency, Currency) = default;
+};
+
+// A civil date-time with second precision and no time zone.
+class Date {
+ public:
+  constexpr Date() = default;
+  // Throws 5 for an impossible date or time (Feb 30, hour 24, ...).
+  static Date from_civil(int year, int month, int day, int hour = 0, int minute = 0,
+                         int second = 0);
+  static constexpr Date from_seconds(int64_t s) { return Date(s); }
+
+  // Seconds since 1970-01-01 00:00:00 on the civil time line.
+  constexpr int64_t seconds() const { return seconds_; }
+  int year() const;
+  int month() const;
+  int day() const;
+  int hour() const;
+  int minute() const;
+  int second() const;
+  // The same day at midnight.
+  Date date_part() const;
+
+  friend constexpr auto operator<=>(Date, Date) = default;
+
+ private:
+  constexpr explicit Date(int64_t s) : seconds_(s) {}
+  int64_t seconds_ = 0;
+};
+
+class Variant;
+
+// A one- or two-dimensional array with lower bounds, as pages and business objects
+// exchange them. Elements are stored with the last dimension varying slowest, so that
+// growing the last dimension keeps every element where it was.
+class Array {
+ public:
+  struct Bound {
+    int32_t lower = 0;
+    int32_t count = 0;
+    int32_t upper() const { return lower + count - 1; }
+  };
+
+  Array() = default;
+  // One dimension, lower..upper (upper = lower - 1 gives an empty array).
+  Array(int32_t lower, int32_t upper);
+  // Two dimensions.
+  Array(Bound first, Bound second);
+  static Array of(std::vector<Variant> values, int32_t lower = 0);
+
+  int32_t dims() const { return static_cast<int32_t>(bounds_.size()); }
+  // 9 Subscript out of range for a dimension that does not exist (dimensions are 1-based).
+  int32_t lbound(int32_t dim = 1) const;
+  int32_t ubound(int32_t dim = 1) const;
+  size_t size() const { return data_.size(); }
+
+  // 9 when an index is outside its bounds.
+  Variant& at(int32_t i);
+  const Variant& at(int32_t i) const;
+  Variant& at(int32_t i, int32_t j);
+  const Variant& at(int32_t i, int32_t j) const;
+
+  // Grows or shrinks the last dimension to end at new_upper, keeping the contents.
+  void redim_preserve(int32_t new_upper);
+
+  const std::vector<Variant>& values() const { return data_; }
+
+ private:
+  size_t offset(int32_t i) const;
+  size_t offset(int32_t i, int32_t j) const;
+  std::vector<Bound> bounds_;
+  std::vector<Variant> data_;
+};
+
+class Variant {
+ public:
+  enum class Kind : uint8_t {
+    Empty, Null, Missing, Boolean, Int16, Int32, Double, Currency, Date, String, Object, Array
+  };
+
+  // Implicit only from the exact C++ type of a kind.
+  Variant() = default;
+  Variant(bool v) : v_(v) {}
+  Variant(int16_t v) : v_(v) {}
+  Variant(int32_t v) : v_(v) {}
+  Variant(double v) : v_(v) {}
+  Variant(kxui::Currency v) : v_(v) {}
+  Variant(kxui::Date v) : v_(v) {}
+  Variant(std::string v) : v_(std::move(v)) {}
+  Variant(std::string_view v) : v_(std::string(v)) {}
+  Variant(const char* v) : v_(std::string(v)) {}
+  Variant(ObjectPtr v) : v_(std::move(v)) {}
+  template <class T>
+    requires std::is_base_of_v<kxui::Object, T>
+  Variant(std::shared_ptr<T> v) : v_(ObjectPtr(std::move(v))) {}
+  Variant(kxui::Array v);
+  // No pointer other than a string literal becomes a Variant by accident.
+  template <class T>
+  Variant(T*) = delete;
+  Variant(std::nullptr_t) = delete;
+
+  Variant(const Variant&);
+  Variant(Variant&&) noexcept = default;
+  Variant& operator=(const Variant&);
+  Variant& operator=(Variant&&) noexcept = default;
+  ~Variant() = default;
+
+  static Variant null();
+  static Variant missing();
+
+  Kind kind() const { return static_cast<Kind>(v_.index()); }
+  bool is_empty() const { return kind() == Kind::Empty; }
+  bool is_null() const { return kind() == Kind::Null; }
+  bool is_missing() const { return kind() == Kind::Missing; }
+  bool is_object() const { return kind() == Kind::Object; }
+  bool is_array() const { return kind() == Kind::Array; }
+  bool is_string() const { return kind() == Kind::String; }
+  // Boolean, Int16, Int32, Double or Currency.
+  bool is_numeric() const;
+
+  // Conversions (throw Failure). Empty converts to 0 / "" / False / 1899-12-30.
+  int32_t to_int32() const;
+  int16_t to_int16() const;
+  double to_double() const;
+  kxui::Currency to_currency() const;
+  bool to_bool() const;
+  kxui::Date to_date() const;
+  std::string to_string() const;
+
+  std::optional<int32_t> try_to_int32() const noexcept;
+  std::optional<double> try_to_double() const noexcept;
+  std::optional<std::string> try_to_string() const noexcept;
+
+  // The held object; 13 when the Variant holds something else. Nothing (an empty
+  // pointer) when it holds an empty object reference.
+  ObjectPtr to_object() const;
+  // The held object as interface T: 13 for a non-object, 438 for a missing interface.
+  // Nothing gives Nothing.
+  template <class T>
+  std::shared_ptr<T> as() const;
+
+  // The held array; 13 for any other kind.
+  kxui::Array& array();
+  const kxui::Array& array() const;
+
+  // Direct access for callers that switched on kind() first (no conversion).
+  bool get_bool() const { return std::get<bool>(v_); }
+  int16_t get_int16() const { return std::get<int16_t>(v_); }
+  int32_t get_int32() const { return std::get<int32_t>(v_); }
+  double get_double() const { return std::get<double>(v_); }
+  kxui::Currency get_currency() const { return std::get<kxui::Currency>(v_); }
+  kxui::Date get_date() const { return std::get<kxui::Date>(v_); }
+  const std::string& get_string() const { return std::get<std::string>(v_); }
+
+  // Equality of kind and value; Null equals nothing, not even Null. Arrays compare by
+  // contents, objects by identity.
+  friend bool operator==(const Variant& a, const Variant& b);
+
+ private:
+  struct EmptyT {
+    friend bool operator==(EmptyT, EmptyT) { return true; }
+  };
+  struct NullT {
+    friend bool operator==(NullT, NullT) { return true; }
+  };
+  struct MissingT {
+    friend bool operator==(MissingT, MissingT) { return true; }
+  };
+  // Arrays are values: copying a Variant copies its array.
+  using ArrayBox = std::unique_ptr<kxui::Array>;
+  using Storage = std::variant<EmptyT, NullT, MissingT, bool, int16_t, int32_t, double,
+                               kxui::Currency, kxui::Date, std::string, ObjectPtr, ArrayBox>;
+  Storage v_;
+};
+
+// Conversion helpers the façades call.
+namespace conv {
+// Half-to-even rounding of a double to `digits` decimals (0 to 10).
+double round_half_even(double v, int digits = 0);
+// Blanks (spaces, tabs, CR, LF) removed at both ends.
+std::string trim(std::string_view s);
+// Parses "yyyy-mm-dd", "yyyy-mm-dd hh:mm:ss" and "yyyy-mm-ddThh:mm:ss" (the invariant
+// form to_string writes); 13 Type mismatch for anything else.
+Date date_from_text(std::string_view s);
+// The date part of a date-valued Variant, via its text form.
+Date date_part(const Variant& v);
+// Number of UTF-8 code points in s.
+size_t utf8_length(std::string_view s);
+}  // namespace conv
+
+}  // namespace kxui
+
+#include "kxui/frame/variant_inl.h"
