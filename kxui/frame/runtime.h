@@ -69,7 +69,7 @@ class Dispatch : public virtual Object {
   // Calls (or reads / writes, as the member defines) a member with the arguments in
   // order; arguments are by reference so members may write back. 438 for an unknown id.
   virtual Variant Invoke(int32_t dispid, std::span<Variant> args) = 0;
-  Variant Invoke(std::string_view name, std::span<Variant> args) {
+  Variant InvokeByName(std::string_view name, std::span<Variant> args) {
     return Invoke(GetIDOfName(name), args);
   }
 };

@@ -1,0 +1,82 @@
+#include "kxui/frame/runtime.h"
+
+#include <gtest/gtest.h>
+
+#include "kxui/frame/byref.h"
+#include "kxui/frame/session.h"
+#include "kxui/testing/test_runtime.h"
+
+namespace kxui {
+namespace {
+
+struct Thing : Object {};
+
+// A late-bound object with one property and one method.
+struct Counter : Dispatch {
+  int32_t value = 0;
+  int32_t GetIDOfName(std::string_view name) override {
+    if (name == "Value") return 1;
+    if (name == "Add") return 2;
+    fail(err::kNoSuchMember, "Counter", name);
+  }
+  Variant Invoke(int32_t id, std::span<Variant> args) override {
+    if (id == 1) return Variant(value);
+    if (id == 2) {
+      value += args[0].to_int32();
+      args[1] = Variant(value);  // out argument
+      return Variant(true);
+    }
+    fail(err::kNoSuchMember);
+  }
+};
+
+TEST(Runtime, CreatesByNameCaseInsensitivelyAndForgetsOnUnregister) {
+  Runtime rt;
+  rt.Register("KxThing03.Thing", [] { return std::make_shared<Thing>(); });
+  auto a = rt.Create("kxthing03.THING");
+  auto b = rt.Create("KxThing03.Thing");
+  EXPECT_NE(a, nullptr);
+  EXPECT_NE(a, b) << "every creation is a new object";
+
+  EXPECT_TRUE(rt.Unregister("KXTHING03.thing"));
+  EXPECT_FALSE(rt.Unregister("KxThing03.Thing"));
+  EXPECT_FAILURE(429, rt.Create("KxThing03.Thing"));
+  rt.Register("KxNull03.Null", [] { return ObjectPtr(); });
+  EXPECT_FAILURE(429, rt.Create("KxNull03.Null"));
+}
+
+TEST(Runtime, MissingInterfaceIs438AndNothingIs91) {
+  ObjectPtr thing = std::make_shared<Thing>();
+  EXPECT_FAILURE(438, query<Session>(thing));
+  EXPECT_FAILURE(91, query<Session>(nullptr));
+  EXPECT_EQ(query<Thing>(thing), thing);
+}
+
+TEST(Runtime, DispatchByNameAndIdWritesBackArguments) {
+  auto counter = std::make_shared<Counter>();
+  std::vector<Variant> args{Variant(int32_t{5}), Variant()};
+  EXPECT_TRUE(counter->InvokeByName("Add", args).to_bool());
+  EXPECT_EQ(args[1].to_int32(), 5);
+  EXPECT_EQ(counter->Invoke(1, {}).to_int32(), 5);
+  EXPECT_FAILURE(438, counter->InvokeByName("Subtract", {}));
+}
+
+TEST(ByRef, BindsToTheCallersVariableOrToAPrivateDefault) {
+  auto write = [](ByRef<Variant> v = {}) {
+    bool was_missing = v->is_missing();
+    *v = Variant(int32_t{7});
+    return was_missing;
+  };
+  EXPECT_TRUE(write());
+  Variant mine("x");
+  EXPECT_FALSE(write(mine));
+  EXPECT_EQ(mine.to_int32(), 7);
+
+  auto count = [](ByRef<int16_t> n = ByRef<int16_t>::with_default(3)) { return *n; };
+  EXPECT_EQ(count(), 3);
+  int16_t five = 5;
+  EXPECT_EQ(count(five), 5);
+}
+
+}  // namespace
+}  // namespace kxui
