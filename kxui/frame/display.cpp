@@ -1,0 +1,117 @@
+#include "kxui/frame/display.h"
+
+#include "kxui/frame/failure.h"
+
+namespace kxui {
+
+DisplayContext::DisplayContext(const Runtime& rt, const Session& session, int32_t date_style)
+    : rt_(rt),
+      locale_id_(session.LocaleID()),
+      time_zone_id_(session.TimeZoneID()),
+      date_style_(date_style) {}
+
+DateFormatter& DisplayContext::dates() {
+  if (!dates_) dates_ = create_as<DateFormatter>(rt_, service_class::kDateFormatter);
+  return *dates_;
+}
+
+CurrencyFormatter& DisplayContext::money() {
+  if (!money_) money_ = create_as<CurrencyFormatter>(rt_, service_class::kCurrencyFormatter);
+  return *money_;
+}
+
+std::string DisplayContext::date_text(const Variant& stored) {
+  Date d = stored.to_date();
+  if (time_zone_id_ != kServerTimeZone) {
+    d = dates().ConvertTimeZone(kServerTimeZone, d, time_zone_id_);
+  }
+  return dates().FormatDateValue(locale_id_, date_style_, conv::date_part(Variant(d)));
+}
+
+std::string DisplayContext::money_text(double amount, const std::string& currency_code) {
+  return money().FormatCurrencyAmount(locale_id_, currency_code, amount);
+}
+
+std::string DisplayContext::amount_text(double amount) {
+  return money().FormatAmount(locale_id_, amount);
+}
+
+DisplayColumn date_display(const std::string& source_column, std::string name) {
+  if (name.empty()) name = "UIDisplay_" + source_column;
+  return DisplayColumn{std::move(name), adVarWChar, 100,
+                       [source_column](const Recordset& src, DisplayContext& ctx) -> RowFiller {
+                         const int32_t col = src.GetFields().index_of(source_column);
+                         return [col, &ctx](const Recordset& row) {
+                           return Variant(ctx.date_text(row.value(col)));
+                         };
+                       }};
+}
+
+DisplayColumn computed_display(std::string name, DataTypeEnum type, int32_t defined_size,
+                               std::function<RowFiller(const Recordset&, DisplayContext&)> bind) {
+  return DisplayColumn{std::move(name), type, defined_size, std::move(bind)};
+}
+
+RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColumn> columns,
+                                 DisplayContext& ctx, const std::optional<PagingWindow>& paging) {
+  RecordsetPtr target = CloneRecordsetStructure(source);
+  Fields& fields = target->GetFields();
+  const int32_t width = source.GetFields().Count();
+  for (const DisplayColumn& c : columns) {
+    fields.Append(c.name, c.type, c.defined_size, adFldUnspecified);
+  }
+  if (paging) {
+    for (const char* name : kPagingColumns) fields.Append(name, adInteger, 0, adFldUnspecified);
+  }
+  target->Open();
+
+  std::vector<RowFiller> fillers;
+  fillers.reserve(columns.size());
+  for (const DisplayColumn& c : columns) fillers.push_back(c.bind(source, ctx));
+
+  int32_t last = INT32_MAX;
+  if (paging) {
+    source.SetAbsolutePosition(paging->start_record);
+    last = paging->end_record;
+  } else if (source.RecordCount() > 0) {
+    source.MoveFirst();
+  }
+  if (source.IsBOF() && source.IsEOF()) return target;
+
+  const Variant paging_values[] = {
+      Variant(paging ? paging->page_size : 0),     Variant(paging ? paging->current_page : 0),
+      Variant(paging ? paging->total_records : 0), Variant(paging ? paging->start_record : 0),
+      Variant(paging ? paging->end_record : 0),
+  };
+  while (!source.IsEOF() && source.AbsolutePosition() <= last) {
+    target->AddNew();
+    for (int32_t i = 0; i < width; ++i) target->set_value(i, source.value(i));
+    int32_t col = width;
+    for (const RowFiller& fill : fillers) target->set_value(col++, fill(source));
+    if (paging) {
+      for (const Variant& v : paging_values) target->set_value(col++, v);
+    }
+    target->Update();
+    source.MoveNext();
+  }
+  target->MoveFirst();
+  return target;
+}
+
+std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressParts& parts) {
+  try {
+    auto formatter = create_as<AddressFormatter>(rt, service_class::kAddressFormatter);
+    std::string result;
+    for (const std::string& line : formatter->FormatAddressLines(locale_id, parts)) {
+      std::string kept = conv::trim(line);
+      if (kept.empty()) continue;
+      result += kept;
+      result += "\r\n";
+    }
+    return result;
+  } catch (const Failure& f) {
+    throw Failure(f.number(), "UIReq::FormatAddress", f.description());
+  }
+}
+
+}  // namespace kxui
