@@ -1,5 +1,7 @@
 #include "kxui/frame/display.h"
 
+#include <algorithm>
+
 #include "kxui/frame/failure.h"
 
 namespace kxui {
@@ -73,8 +75,11 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
   if (paging) {
     source.SetAbsolutePosition(paging->start_record);
     last = paging->end_record;
+    const int64_t rows = int64_t{paging->end_record} - std::max(paging->start_record, 1) + 1;
+    target->reserve(static_cast<int32_t>(std::clamp<int64_t>(rows, 0, source.RecordCount())));
   } else if (source.RecordCount() > 0) {
     source.MoveFirst();
+    target->reserve(source.RecordCount());
   }
   if (source.IsBOF() && source.IsEOF()) return target;
 

@@ -202,6 +202,10 @@ class Recordset : public Object {
   // accepts any position and stays at BOF and EOF.
   void SetAbsolutePosition(int32_t pos);
 
+  // Makes room for `rows` rows in total, so that filling a set whose size is known
+  // (a page, a copy) allocates once. Changes no content or position; 3001 when negative.
+  void reserve(int32_t rows);
+
   // Fast paths for code that resolved its columns once: no name lookup.
   const Variant& value(int32_t col) const;
   void set_value(int32_t col, Variant v);

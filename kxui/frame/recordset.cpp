@@ -1,0 +1,314 @@
+#include "kxui/frame/recordset.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "kxui/frame/errors.h"
+#include "kxui/frame/failure.h"
+
+namespace kxui {
+namespace {
+
+constexpr std::string_view kSource = "Recordset";
+
+char ascii_lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool same_name(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (ascii_lower(a[i]) != ascii_lower(b[i])) return false;
+  }
+  return true;
+}
+
+// Text types whose DefinedSize limits the value; the long types never do.
+bool is_bounded_text(DataTypeEnum t) {
+  switch (t) {
+    case adBSTR: case adChar: case adWChar: case adVarChar: case adVarWChar: return true;
+    default: return false;
+  }
+}
+
+// The kind a field of type t stores, or nothing for types that store values as given.
+std::optional<Variant::Kind> stored_kind(DataTypeEnum t) {
+  using K = Variant::Kind;
+  switch (t) {
+    case adInteger: return K::Int32;
+    case adSmallInt: case adTinyInt: return K::Int16;
+    case adDouble: case adSingle: case adDecimal: case adNumeric: return K::Double;
+    case adCurrency: return K::Currency;
+    case adDate: case adDBDate: case adDBTimeStamp: return K::Date;
+    case adBoolean: return K::Boolean;
+    case adBSTR: case adChar: case adWChar: case adVarChar: case adVarWChar:
+    case adLongVarChar: case adLongVarWChar: return K::String;
+    default: return std::nullopt;
+  }
+}
+
+Variant convert(const Variant& v, Variant::Kind k) {
+  using K = Variant::Kind;
+  switch (k) {
+    case K::Int32: return v.to_int32();
+    case K::Int16: return v.to_int16();
+    case K::Double: return v.to_double();
+    case K::Currency: return v.to_currency();
+    case K::Date: return v.to_date();
+    case K::Boolean: return v.to_bool();
+    case K::String: return v.to_string();
+    default: return v;
+  }
+}
+
+}  // namespace
+
+// The checks every operation starts with; defined first so the callers below inline them.
+inline void Recordset::require_open() const {
+  if (!open_) [[unlikely]] fail(err::kObjectClosed, kSource);
+}
+
+inline void Recordset::require_current() const {
+  if (!open_ || pos_ < 0 || pos_ >= rows_) [[unlikely]] {
+    fail(open_ ? err::kNoCurrentRecord : err::kObjectClosed, kSource);
+  }
+}
+
+// ---- Field ----
+
+const std::string& Field::Name() const { return rs_->infos_[index_].name; }
+DataTypeEnum Field::Type() const { return rs_->infos_[index_].type; }
+int32_t Field::DefinedSize() const { return rs_->infos_[index_].defined_size; }
+int32_t Field::Attributes() const { return rs_->infos_[index_].attributes; }
+uint8_t Field::Precision() const { return rs_->infos_[index_].precision; }
+uint8_t Field::NumericScale() const { return rs_->infos_[index_].numeric_scale; }
+
+void Field::SetPrecision(uint8_t p) {
+  if (rs_->open_) fail(err::kObjectOpen, kSource);
+  rs_->infos_[index_].precision = p;
+}
+
+void Field::SetNumericScale(uint8_t s) {
+  if (rs_->open_) fail(err::kObjectOpen, kSource);
+  rs_->infos_[index_].numeric_scale = s;
+}
+
+const Variant& Field::Value() const { return rs_->value(index_); }
+void Field::SetValue(Variant v) { rs_->set_value(index_, std::move(v)); }
+
+// ---- Fields ----
+
+void Fields::Append(std::string name, DataTypeEnum type, int32_t defined_size,
+                    int32_t attributes) {
+  if (rs_->open_) fail(err::kObjectOpen, kSource);
+  if (find(name)) fail(err::kNotAllowed, kSource, name);
+  if (defined_size < 0) fail(err::kArgumentOutOfRange, kSource, name);
+  FieldInfo info;
+  info.name = std::move(name);
+  info.type = type;
+  info.defined_size = defined_size;
+  info.attributes = attributes;
+  rs_->infos_.push_back(std::move(info));
+}
+
+int32_t Fields::Count() const { return static_cast<int32_t>(rs_->infos_.size()); }
+
+Field Fields::Item(int32_t index) const {
+  if (index < 0 || index >= Count()) fail(err::kItemNotFound, kSource, std::to_string(index));
+  return Field(rs_, index);
+}
+
+Field Fields::Item(std::string_view name) const { return Field(rs_, index_of(name)); }
+
+std::optional<int32_t> Fields::find(std::string_view name) const {
+  const auto& infos = rs_->infos_;
+  for (size_t i = 0; i < infos.size(); ++i) {
+    if (same_name(infos[i].name, name)) return static_cast<int32_t>(i);
+  }
+  return std::nullopt;
+}
+
+int32_t Fields::index_of(std::string_view name) const {
+  auto i = find(name);
+  if (!i) fail(err::kItemNotFound, kSource, name);
+  return *i;
+}
+
+const FieldInfo& Fields::info(int32_t index) const {
+  if (index < 0 || index >= Count()) fail(err::kItemNotFound, kSource, std::to_string(index));
+  return rs_->infos_[index];
+}
+
+// ---- Recordset ----
+
+Recordset::Recordset() : fields_(this) {}
+
+void Recordset::SetCursorLocation(CursorLocationEnum c) {
+  if (open_) fail(err::kObjectOpen, kSource);
+  cursor_location_ = c;
+}
+
+void Recordset::Open() {
+  if (open_) fail(err::kObjectOpen, kSource);
+  cells_.clear();
+  rows_ = 0;
+  pos_ = -1;
+  pending_ = false;
+  open_ = true;
+}
+
+void Recordset::Close() {
+  require_open();
+  std::vector<Variant>().swap(cells_);
+  rows_ = 0;
+  pos_ = -1;
+  pending_ = false;
+  open_ = false;
+}
+
+void Recordset::AddNew() {
+  require_open();
+  if (rows_ >= std::numeric_limits<int32_t>::max()) fail(err::kOutOfMemory, kSource);
+  const size_t width = infos_.size();
+  const size_t need = cells_.size() + width;
+  if (need > cells_.capacity()) {
+    // Doubling: for large sets, growing costs fresh pages and moves, and each step of a
+    // smaller factor pays both again. Callers who know the size use reserve().
+    size_t cap = cells_.capacity() * 2;
+    cells_.reserve(std::max({need, cap, width * 16}));
+  }
+  cells_.resize(need);
+  pos_ = rows_++;
+  pending_ = true;
+}
+
+void Recordset::reserve(int32_t rows) {
+  if (rows < 0) fail(err::kArgumentOutOfRange, kSource, std::to_string(rows));
+  cells_.reserve(static_cast<size_t>(rows) * infos_.size());
+}
+
+void Recordset::Update() {
+  require_open();
+  pending_ = false;
+}
+
+void Recordset::MoveFirst() {
+  require_open();
+  pending_ = false;
+  pos_ = rows_ > 0 ? 0 : -1;
+}
+
+void Recordset::MoveNext() {
+  require_open();
+  pending_ = false;
+  if (rows_ == 0 || pos_ >= rows_) fail(err::kNoCurrentRecord, kSource);
+  ++pos_;
+}
+
+void Recordset::MovePrevious() {
+  require_open();
+  pending_ = false;
+  if (rows_ == 0 || pos_ < 0) fail(err::kNoCurrentRecord, kSource);
+  --pos_;
+}
+
+void Recordset::MoveLast() {
+  require_open();
+  pending_ = false;
+  pos_ = rows_ - 1;
+}
+
+bool Recordset::IsBOF() const {
+  require_open();
+  return rows_ == 0 || pos_ < 0;
+}
+
+bool Recordset::IsEOF() const {
+  require_open();
+  return rows_ == 0 || pos_ >= rows_;
+}
+
+int32_t Recordset::RecordCount() const {
+  require_open();
+  return static_cast<int32_t>(rows_);
+}
+
+int32_t Recordset::AbsolutePosition() const {
+  require_open();
+  if (rows_ == 0) return adPosUnknown;
+  if (pos_ < 0) return adPosBOF;
+  if (pos_ >= rows_) return adPosEOF;
+  return static_cast<int32_t>(pos_ + 1);
+}
+
+void Recordset::SetAbsolutePosition(int32_t pos) {
+  require_open();
+  pending_ = false;
+  if (rows_ == 0) return;  // an empty set stays at BOF and EOF
+  if (pos < 1 || pos > rows_) fail(err::kArgumentOutOfRange, kSource, std::to_string(pos));
+  pos_ = pos - 1;
+}
+
+const Variant& Recordset::value(int32_t col) const {
+  require_current();
+  if (col < 0 || static_cast<size_t>(col) >= infos_.size()) {
+    fail(err::kItemNotFound, kSource, std::to_string(col));
+  }
+  return cells_[static_cast<size_t>(pos_) * infos_.size() + col];
+}
+
+void Recordset::set_value(int32_t col, Variant v) {
+  require_current();
+  const size_t width = infos_.size();
+  if (col < 0 || static_cast<size_t>(col) >= width) {
+    fail(err::kItemNotFound, kSource, std::to_string(col));
+  }
+  Variant& cell = cells_[static_cast<size_t>(pos_) * width + col];
+  const FieldInfo& f = infos_[col];
+  // A value already of the field's kind moves straight in; short text needs no counting.
+  if (v.kind() == stored_kind(f.type) &&
+      (!v.is_string() || f.defined_size <= 0 || !is_bounded_text(f.type) ||
+       v.get_string().size() <= static_cast<size_t>(f.defined_size))) {
+    cell = std::move(v);
+    return;
+  }
+  cell = coerce(col, std::move(v));
+}
+
+Variant Recordset::coerce(int32_t col, Variant v) const {
+  const FieldInfo& f = infos_[col];
+  if (v.is_null()) {
+    if ((f.attributes & (adFldIsNullable | adFldMayBeNull)) == 0) {
+      fail(err::kNotAllowed, kSource, f.name);
+    }
+    return v;
+  }
+  const auto kind = stored_kind(f.type);
+  if (!kind) return v;
+  if (v.kind() != *kind) v = convert(v, *kind);
+  if (is_bounded_text(f.type) && f.defined_size > 0) {
+    const std::string& s = v.get_string();
+    // Bytes bound code points from above, so only long texts need counting.
+    if (s.size() > static_cast<size_t>(f.defined_size) &&
+        conv::utf8_length(s) > static_cast<size_t>(f.defined_size)) {
+      fail(err::kDataTooLong, kSource, f.name);
+    }
+  }
+  return v;
+}
+
+RecordsetPtr CloneRecordsetStructure(const Recordset& source) {
+  auto rs = std::make_shared<Recordset>();
+  const Fields& from = source.GetFields();
+  Fields& to = rs->GetFields();
+  for (int32_t i = 0; i < from.Count(); ++i) {
+    const FieldInfo& f = from.info(i);
+    to.Append(f.name, f.type, f.defined_size, f.attributes);
+    Field added = to.Item(i);
+    added.SetPrecision(f.precision);
+    added.SetNumericScale(f.numeric_scale);
+  }
+  return rs;
+}
+
+}  // namespace kxui
