@@ -1,6 +1,8 @@
 #include "kxui/frame/recordset.h"
 
 #include <algorithm>
+#include <bit>
+#include <new>
 #include <limits>
 #include <string>
 #include <utility>
@@ -143,6 +145,31 @@ const FieldInfo& Fields::info(int32_t index) const {
 
 Recordset::Recordset() : fields_(this) {}
 
+Recordset::~Recordset() { release_rows(); }
+
+namespace {
+// Segment and offset of row r when segment k holds base << k rows.
+inline std::pair<size_t, size_t> locate(int64_t r, int64_t base) {
+  const auto q = static_cast<uint64_t>(r / base + 1);
+  const size_t k = static_cast<size_t>(std::bit_width(q) - 1);
+  const int64_t first = base * ((int64_t{1} << k) - 1);
+  return {k, static_cast<size_t>(r - first)};
+}
+}  // namespace
+
+inline Variant* Recordset::row(int64_t r) const {
+  auto [k, off] = locate(r, kFirstSegmentRows);
+  return segments_[k] + off * infos_.size();
+}
+
+void Recordset::release_rows() noexcept {
+  const size_t width = infos_.size();
+  for (int64_t r = 0; r < rows_; ++r) std::destroy_n(row(r), width);
+  for (Variant* seg : segments_) ::operator delete(seg);
+  segments_.clear();
+  rows_ = 0;
+}
+
 void Recordset::SetCursorLocation(CursorLocationEnum c) {
   if (open_) fail(err::kObjectOpen, kSource);
   cursor_location_ = c;
@@ -150,8 +177,7 @@ void Recordset::SetCursorLocation(CursorLocationEnum c) {
 
 void Recordset::Open() {
   if (open_) fail(err::kObjectOpen, kSource);
-  cells_.clear();
-  rows_ = 0;
+  release_rows();
   pos_ = -1;
   pending_ = false;
   open_ = true;
@@ -159,8 +185,7 @@ void Recordset::Open() {
 
 void Recordset::Close() {
   require_open();
-  std::vector<Variant>().swap(cells_);
-  rows_ = 0;
+  release_rows();
   pos_ = -1;
   pending_ = false;
   open_ = false;
@@ -169,22 +194,23 @@ void Recordset::Close() {
 void Recordset::AddNew() {
   require_open();
   if (rows_ >= std::numeric_limits<int32_t>::max()) fail(err::kOutOfMemory, kSource);
-  const size_t width = infos_.size();
-  const size_t need = cells_.size() + width;
-  if (need > cells_.capacity()) {
-    // Doubling: for large sets, growing costs fresh pages and moves, and each step of a
-    // smaller factor pays both again. Callers who know the size use reserve().
-    size_t cap = cells_.capacity() * 2;
-    cells_.reserve(std::max({need, cap, width * 16}));
-  }
-  cells_.resize(need);
+  reserve(static_cast<int32_t>(rows_ + 1));
+  std::uninitialized_value_construct_n(row(rows_), infos_.size());
   pos_ = rows_++;
   pending_ = true;
 }
 
 void Recordset::reserve(int32_t rows) {
   if (rows < 0) fail(err::kArgumentOutOfRange, kSource, std::to_string(rows));
-  cells_.reserve(static_cast<size_t>(rows) * infos_.size());
+  if (rows == 0) return;
+  const size_t needed = locate(rows - 1, kFirstSegmentRows).first + 1;
+  segments_.reserve(needed);  // so that push_back below cannot throw after allocating
+  while (segments_.size() < needed) {
+    const size_t seg_rows = static_cast<size_t>(kFirstSegmentRows) << segments_.size();
+    // Raw storage: pages are touched only as rows are added.
+    segments_.push_back(static_cast<Variant*>(
+        ::operator new(std::max<size_t>(1, seg_rows * infos_.size()) * sizeof(Variant))));
+  }
 }
 
 void Recordset::Update() {
@@ -254,7 +280,7 @@ const Variant& Recordset::value(int32_t col) const {
   if (col < 0 || static_cast<size_t>(col) >= infos_.size()) {
     fail(err::kItemNotFound, kSource, std::to_string(col));
   }
-  return cells_[static_cast<size_t>(pos_) * infos_.size() + col];
+  return row(pos_)[col];
 }
 
 void Recordset::set_value(int32_t col, Variant v) {
@@ -263,7 +289,7 @@ void Recordset::set_value(int32_t col, Variant v) {
   if (col < 0 || static_cast<size_t>(col) >= width) {
     fail(err::kItemNotFound, kSource, std::to_string(col));
   }
-  Variant& cell = cells_[static_cast<size_t>(pos_) * width + col];
+  Variant& cell = row(pos_)[col];
   const FieldInfo& f = infos_[col];
   // A value already of the field's kind moves straight in; short text needs no counting.
   if (v.kind() == stored_kind(f.type) &&

@@ -1,8 +1,8 @@
 // Recordset: a disconnected, in-memory record set with the classic record-set library's
 // interface, enumerations and error numbers.
 //
-// Rows are kept in one flat vector of Variants (row-major), so a row costs one
-// Variant per field and positioning is O(1).
+// A row costs one Variant per field. Rows live in segments that double in size and
+// never move, so positioning is O(1) and growing a large set copies nothing.
 #pragma once
 
 #include <cstdint>
@@ -162,6 +162,7 @@ class Fields {
 class Recordset : public Object {
  public:
   Recordset();
+  ~Recordset() override;
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
@@ -219,7 +220,12 @@ class Recordset : public Object {
 
   Fields fields_;
   std::vector<FieldInfo> infos_;
-  std::vector<Variant> cells_;  // row-major: row r, column c at r * width + c
+  Variant* row(int64_t r) const;
+  void release_rows() noexcept;
+
+  // Segment k holds kFirstSegmentRows << k rows; raw storage, rows constructed as added.
+  static constexpr int64_t kFirstSegmentRows = 16;
+  std::vector<Variant*> segments_;
   int64_t rows_ = 0;
   int64_t pos_ = -1;  // 0-based current row; -1 before the first, rows_ after the last
   bool open_ = false;
