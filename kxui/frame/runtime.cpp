@@ -1,23 +1,61 @@
 #include "kxui/frame/runtime.h"
 
-#include <algorithm>
-#include <cctype>
+#include <cstdint>
+#include <cstring>
 
 namespace kxui {
 
-bool Runtime::Less::operator()(std::string_view a, std::string_view b) const {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return std::tolower(static_cast<unsigned char>(x)) < std::tolower(static_cast<unsigned char>(y));
-  });
+namespace {
+inline unsigned char fold(char c) {
+  return static_cast<unsigned char>((c >= 'A' && c <= 'Z') ? c - 'A' + 'a' : c);
+}
+}  // namespace
+
+// ASCII upper case to lower case in all eight bytes of x at once.
+inline uint64_t fold8(uint64_t x) {
+  constexpr uint64_t ones = 0x0101010101010101ull;
+  const uint64_t low7 = x & (0x7f * ones);
+  const uint64_t ge_a = low7 + (0x80 - 'A') * ones;  // high bit set where byte >= 'A'
+  const uint64_t gt_z = low7 + (0x7f - 'Z') * ones;  // high bit set where byte > 'Z'
+  const uint64_t upper = (ge_a ^ gt_z) & ~x & (0x80 * ones);
+  return x | (upper >> 2);  // 0x80 >> 2 is the case bit 0x20
+}
+
+size_t Runtime::FoldedHash::operator()(std::string_view s) const noexcept {
+  // Eight bytes a step: creation by name sits on the path of every operation.
+  uint64_t h = 0x9e3779b97f4a7c15ull ^ s.size();
+  size_t i = 0;
+  for (; i + 8 <= s.size(); i += 8) {
+    uint64_t x;
+    std::memcpy(&x, s.data() + i, 8);
+    h = (h ^ fold8(x)) * 0xff51afd7ed558ccdull;
+    h ^= h >> 32;
+  }
+  if (i < s.size()) {
+    uint64_t x = 0;
+    std::memcpy(&x, s.data() + i, s.size() - i);
+    h = (h ^ fold8(x)) * 0xff51afd7ed558ccdull;
+    h ^= h >> 32;
+  }
+  return static_cast<size_t>(h);
+}
+
+bool Runtime::FoldedEqual::operator()(std::string_view a, std::string_view b) const noexcept {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (fold(a[i]) != fold(b[i])) return false;
+  }
+  return true;
 }
 
 void Runtime::Register(std::string_view name, Creator creator) {
+  auto shared = std::make_shared<const Creator>(std::move(creator));
   std::lock_guard lock(mutex_);
   auto it = creators_.find(name);
   if (it != creators_.end()) {
-    it->second = std::move(creator);
+    it->second = std::move(shared);
   } else {
-    creators_.emplace(std::string(name), std::move(creator));
+    creators_.emplace(std::string(name), std::move(shared));
   }
 }
 
@@ -35,7 +73,7 @@ bool Runtime::IsRegistered(std::string_view name) const {
 }
 
 ObjectPtr Runtime::Create(std::string_view name) const {
-  Creator creator;
+  std::shared_ptr<const Creator> creator;
   {
     std::lock_guard lock(mutex_);
     auto it = creators_.find(name);
@@ -43,7 +81,7 @@ ObjectPtr Runtime::Create(std::string_view name) const {
     creator = it->second;
   }
   // Run outside the lock: a creator may create further objects.
-  ObjectPtr obj = creator();
+  ObjectPtr obj = (*creator)();
   if (!obj) fail(err::kCannotCreateObject, name, name);
   return obj;
 }

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
+#include <unordered_map>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -37,12 +37,19 @@ class Runtime {
   static std::shared_ptr<Runtime> process();
 
  private:
-  struct Less {
+  // Names compare case-insensitively (ASCII), looked up without building a key.
+  struct FoldedHash {
     using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const;
+    size_t operator()(std::string_view s) const noexcept;
+  };
+  struct FoldedEqual {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const noexcept;
   };
   mutable std::mutex mutex_;  // the process runtime is shared between threads
-  std::map<std::string, Creator, Less> creators_;
+  // Shared, so Create can take a creator out of the lock without copying it.
+  std::unordered_map<std::string, std::shared_ptr<const Creator>, FoldedHash, FoldedEqual>
+      creators_;
 };
 
 // The interface T of an object: 91 for Nothing, 438 when the object lacks it.
