@@ -67,10 +67,6 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
   }
   target->Open();
 
-  std::vector<RowFiller> fillers;
-  fillers.reserve(columns.size());
-  for (const DisplayColumn& c : columns) fillers.push_back(c.bind(source, ctx));
-
   int32_t last = INT32_MAX;
   if (paging) {
     source.SetAbsolutePosition(paging->start_record);
@@ -82,6 +78,11 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
     target->reserve(source.RecordCount());
   }
   if (source.IsBOF() && source.IsEOF()) return target;
+
+  // Bound only when there is a row to fill, as a lookup per row would be.
+  std::vector<RowFiller> fillers;
+  fillers.reserve(columns.size());
+  for (const DisplayColumn& c : columns) fillers.push_back(c.bind(source, ctx));
 
   const Variant paging_values[] = {
       Variant(paging ? paging->page_size : 0),     Variant(paging ? paging->current_page : 0),
