@@ -61,6 +61,13 @@ std::shared_ptr<T> query(const ObjectPtr& obj) {
   return typed;
 }
 
+// The object a call cannot do without: 91 when it is Nothing.
+template <class T>
+T& require(const std::shared_ptr<T>& p) {
+  if (!p) fail(err::kObjectNotSet);
+  return *p;
+}
+
 // Creates a registered object and returns its interface T (429, 438).
 template <class T>
 std::shared_ptr<T> create_as(const Runtime& rt, std::string_view name) {

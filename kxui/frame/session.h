@@ -14,7 +14,7 @@ class Session : public virtual Object {
  public:
   // The session's default value: an integer, the EBO identifier used at login.
   virtual int32_t Value() const = 0;
-  virtual int32_t LocaleID() const = 0;    // Windows-style locale identifier, e.g. 1033
+  virtual int32_t LocaleID() const = 0;    // numeric locale identifier (LCID), e.g. 1033
   virtual int32_t TimeZoneID() const = 0;  // 15 is the zone of stored dates
   virtual std::string CurrencyCode() const = 0;
   virtual std::string LangCode() const = 0;     // e.g. "en"
