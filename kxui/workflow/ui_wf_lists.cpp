@@ -1,0 +1,125 @@
+// UIWF: the approvers' and reviewers' work lists and the approver search.
+#include <vector>
+
+#include "kxui/business/approvals.h"
+#include "kxui/business/progids.h"
+#include "kxui/business/workflow.h"
+#include "kxui/frame/display.h"
+#include "kxui/frame/settings.h"
+#include "kxui/workflow/ui_wf.h"
+
+namespace kxui {
+
+namespace {
+
+// Result codes with which the business tier reports an empty work list rather than a
+// fault; the list it returned is used as it stands.
+constexpr int32_t kApproverListNoData = 5;
+constexpr int32_t kReviewNoData = 7;
+
+// "UIDisplay_CommentsLength": the trimmed length of "Comments", Null for Null.
+DisplayColumn comments_length() {
+  return computed_display(
+      "UIDisplay_CommentsLength", adInteger, 0, [](const Recordset& src, DisplayContext&) {
+        const int32_t col = src.GetFields().index_of("Comments");
+        return RowFiller([col](const Recordset& row) {
+          const Variant& comments = row.value(col);
+          if (comments.is_null()) return Variant::null();
+          return Variant(static_cast<int32_t>(conv::utf8_length(conv::trim(comments.to_string()))));
+        });
+      });
+}
+
+// One page of `list` rebuilt for display. Both work lists take -1, and only -1, among
+// the negative pages as "the last page".
+RecordsetPtr display_page(const Runtime& rt, AppIni& ini, const SessionPtr& session,
+                          Recordset& list, int32_t page, int32_t date_style, Variant& custom_data,
+                          const std::vector<DisplayColumn>& columns) {
+  const int32_t page_size = read_page_size(ini, session, custom_data);
+  const PagingWindow window =
+      compute_paging_window(list.RecordCount(), page_size, page, PastEnd::kMinusOne);
+  DisplayContext ctx(rt, require(session), date_style);
+  return rebuild_for_display(list, columns, ctx, window);
+}
+
+}  // namespace
+
+RecordsetPtr UIWF::GetApproverListPage(const SessionPtr& p_Session, const std::string& p_sSortBy,
+                                       int32_t p_lPage, ByRef<Variant> p_CustomData) noexcept {
+  return guarded(
+      "UIWF::GetApproverListPage", RecordsetPtr(),
+      [&]() -> RecordsetPtr {
+        auto ini = create<AppIni>(progid::AppIni);
+        auto approvals = create<business::Approvals>(progid::Approvals);
+        const int32_t date_style = read_date_style(*ini, p_Session, *p_CustomData);
+        RecordsetPtr list = approvals->GetApproverList(p_Session, p_sSortBy, *p_CustomData);
+        if (!approvals->Success() && approvals->ResultCode() != kApproverListNoData) {
+          raise_business_error(*approvals);
+        }
+        if (!list) return nullptr;
+        static const std::vector<DisplayColumn> columns = {
+            date_display("ApproveBeginDate", "UIDisplay_ReceivedDate"),
+            date_display("ReqCreateDate", "UIDisplay_CreateDate"),
+        };
+        return display_page(runtime(), *ini, p_Session, *list, p_lPage, date_style, *p_CustomData,
+                            columns);
+      },
+      Track::kSuccess);
+}
+
+RecordsetPtr UIWF::GetReviewerListPage(const SessionPtr& p_Session, const std::string& p_sSortBy,
+                                       int32_t p_lPage, ByRef<Variant> p_CustomData) noexcept {
+  return guarded(
+      "UIWF::GetReviewerListPage", RecordsetPtr(),
+      [&]() -> RecordsetPtr {
+        auto ini = create<AppIni>(progid::AppIni);
+        auto review = create<business::ApprovalReview>(progid::ApprovalReview);
+        const int32_t date_style = read_date_style(*ini, p_Session, *p_CustomData);
+        RecordsetPtr list = review->GetReviewerList(p_Session, p_sSortBy, *p_CustomData);
+        if (!review->Success() && review->ResultCode() != kReviewNoData) {
+          raise_business_error(*review);
+        }
+        if (!list) return nullptr;
+        static const std::vector<DisplayColumn> columns = {
+            date_display("ReqCreateDate", "UIDisplay_CreateDate"),
+            comments_length(),
+        };
+        return display_page(runtime(), *ini, p_Session, *list, p_lPage, date_style, *p_CustomData,
+                            columns);
+      },
+      Track::kSuccess);
+}
+
+RecordsetPtr UIWF::GetReviewListRs(const SessionPtr& p_Session, int32_t p_lReqID,
+                                   int32_t p_lReviewerID, ByRef<Variant> p_CustomData) noexcept {
+  return guarded(
+      "UIWF::GetReviewListRs", RecordsetPtr(),
+      [&] {
+        auto review = create<business::ApprovalReview>(progid::ApprovalReview);
+        RecordsetPtr list = review->GetReviewList(p_Session, p_lReqID, p_lReviewerID, *p_CustomData);
+        if (!review->Success() && review->ResultCode() != kReviewNoData) {
+          raise_business_error(*review);
+        }
+        return list;
+      },
+      Track::kSuccess);
+}
+
+RecordsetPtr UIWF::GetApproverSearchResultsRs(const SessionPtr& p_Session, int32_t p_lReqID,
+                                              const std::string& p_sSearchName,
+                                              const std::string& p_sSearchLogin,
+                                              ByRef<Variant> p_CustomData) noexcept {
+  return guarded(
+      "UIWF::GetApproverSearchResultsRs", RecordsetPtr(),
+      [&] {
+        auto workflow = create<business::Workflow>(progid::Workflow);
+        RecordsetPtr found = workflow->GetApproverSearchResults(p_Session, p_lReqID, p_sSearchName,
+                                                                p_sSearchLogin, *p_CustomData);
+        success_ = workflow->Success();
+        if (!success_) raise_business_error(*workflow);
+        return found;
+      },
+      Track::kSuccess);
+}
+
+}  // namespace kxui
