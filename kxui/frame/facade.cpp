@@ -11,7 +11,8 @@ std::atomic<int64_t> g_live_instances{0};
 
 int64_t Facade::live_instances() noexcept { return g_live_instances.load(); }
 
-Facade::Facade(std::string class_name, std::shared_ptr<Runtime> runtime)
+Facade::Facade(std::string class_name, std::shared_ptr<Runtime> runtime,
+               std::string_view source_class)
     : runtime_(runtime ? std::move(runtime) : Runtime::process()),
       class_name_(std::move(class_name)) {
   ++g_live_instances;
@@ -20,7 +21,8 @@ Facade::Facade(std::string class_name, std::shared_ptr<Runtime> runtime)
     error_ = query<ErrorInfo>(create_object(progid::KxError));
   } catch (...) {
     if (!error_) error_ = std::make_shared<BasicErrorInfo>();
-    record_current_failure(class_name_ + "::Class_Initialize");
+    std::string source(source_class.empty() ? std::string_view(class_name_) : source_class);
+    record_current_failure(source + "::Class_Initialize");
   }
 }
 

@@ -53,9 +53,11 @@ class Facade : public virtual Object {
 
  protected:
   // Creation: the factory, then "KxUtility03.KxError" through it. A failure is recorded
-  // under "<class>::Class_Initialize"; when the error object itself cannot be created a
-  // plain built-in one takes its place, so Error() is never Nothing.
-  Facade(std::string class_name, std::shared_ptr<Runtime> runtime);
+  // under "<source_class>::Class_Initialize" (source_class defaults to the class name; a
+  // class may record under another class's name); when the error object itself cannot be
+  // created a plain built-in one takes its place, so Error() is never Nothing.
+  Facade(std::string class_name, std::shared_ptr<Runtime> runtime,
+         std::string_view source_class = {});
 
   // The public-operation pattern: runs `body`; on any failure records it under `source`
   // and returns `failure_value` (even when the body had already produced a result).
