@@ -5,9 +5,9 @@
 namespace kxui::services {
 
 void KxErrorInfo::Set(int32_t number, std::string source, std::string description) {
-  number_ = number;
-  source_ = std::move(source);
-  description_ = std::move(description);
+  SetNumber(number);
+  SetSource(std::move(source));
+  SetDescription(std::move(description));
 }
 
 std::string KxErrorInfo::GetMessageText(const SessionPtr& session, int32_t message_number,

@@ -10,15 +10,8 @@
 
 namespace kxui::services {
 
-class KxErrorInfo : public ErrorInfo {
+class KxErrorInfo : public BasicErrorInfo {
  public:
-  int32_t Number() const override { return number_; }
-  void SetNumber(int32_t n) override { number_ = n; }
-  std::string Description() const override { return description_; }
-  void SetDescription(std::string d) override { description_ = std::move(d); }
-  std::string Source() const override { return source_; }
-  void SetSource(std::string s) override { source_ = std::move(s); }
-
   // The text of message `message_number` in the session's language (its LangCode;
   // "de", "de-AT" and "DE_at" all select German) when the catalogue has one, else
   // `english`; then "@1", "@2", ... are filled from `params` in order (the first
@@ -30,11 +23,6 @@ class KxErrorInfo : public ErrorInfo {
   // Number, source and description in one step, for the services that report through
   // their own error object.
   void Set(int32_t number, std::string source, std::string description);
-
- private:
-  int32_t number_ = 0;
-  std::string description_;
-  std::string source_;
 };
 
 // The catalogue's text of a message in a language ("de", "fr"; a region after '-' or

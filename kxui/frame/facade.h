@@ -126,27 +126,4 @@ class Facade : public virtual Object {
   ErrorInfoPtr error_;
 };
 
-// A plain error object: the three properties, and message texts that are the English
-// default with "@1"-style parameters filled.
-class BasicErrorInfo : public ErrorInfo {
- public:
-  int32_t Number() const override { return number_; }
-  void SetNumber(int32_t n) override { number_ = n; }
-  std::string Description() const override { return description_; }
-  void SetDescription(std::string d) override { description_ = std::move(d); }
-  std::string Source() const override { return source_; }
-  void SetSource(std::string s) override { source_ = std::move(s); }
-  std::string GetMessageText(const SessionPtr& session, int32_t message_number,
-                             const std::string& english, const Array& params) override;
-
- private:
-  int32_t number_ = 0;
-  std::string description_;
-  std::string source_;
-};
-
-// Replaces "@1", "@2", ... with the elements of `params` in order (the first element
-// fills "@1" whatever the lower bound). Shared by the error objects' message texts.
-std::string fill_message_params(std::string text, const Array& params);
-
 }  // namespace kxui
