@@ -2,323 +2,387 @@
 
 #include <functional>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "kxui/business/progids.h"
-#include "kxui/testing/fake_requisition.h"
+#include "kxui/business/requisition.h"
+#include "kxui/business/templates.h"
 #include "kxui/testing/fake_services.h"
 
 namespace kxui {
 namespace {
 
-using testing::ErrorIs;
-using testing::FakeRequisition;
-using testing::FakeTemplates;
-using testing::make_recordset;
+using namespace ::testing;
+using kxui::testing::ErrorIs;
+using S = const SessionPtr&;
+using Str = const std::string&;
+using Names = std::vector<std::string>;
+using Values = std::vector<Variant>;
 
-class UIReqTest : public ::testing::Test {
+// Members the tests leave alone keep the business tier's default (error 438), so an
+// unexpected call shows up in Error.
+class MockRequisition : public business::Requisition, public kxui::testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (S, int32_t, bool, Variant&), (override));
+  MOCK_METHOD(std::shared_ptr<business::RequisitionHeader>, Header, (), (override));
+  MOCK_METHOD(bool, Success, (), (override));
+  MOCK_METHOD(RecordsetPtr, GetRequisitionList, (S, Str, Str, Str, Str, Variant&), (override));
+  MOCK_METHOD(bool, GetReqStatus, (S, int32_t, int32_t&, int32_t&, Variant&), (override));
+  MOCK_METHOD(bool, GetReqTotals, (S, int32_t, Str, Currency&, Currency&, Currency&, Variant&),
+              (override));
+  MOCK_METHOD(std::shared_ptr<business::RequisitionLineItem>, NewLineItem, (), (override));
+  MOCK_METHOD(bool, CommitItem, (S, Str, Variant&), (override));
+  MOCK_METHOD(bool, CommitSpecialRequestItem, (S, Str, Variant&), (override));
+  MOCK_METHOD(bool, CompleteItem, (S, int32_t, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, UpdateSpecialRequestItem, (S, Variant&), (override));
+  MOCK_METHOD(bool, AddFavoriteItem, (S, int32_t, double, int32_t&, int32_t&, int32_t&, Variant&),
+              (override));
+  MOCK_METHOD(bool, SubmitRequisition, (S, int32_t, bool, int32_t&, Variant&), (override));
+  MOCK_METHOD(bool, CopyRequisition,
+              (S, int32_t, Str, int32_t&, int32_t&, int32_t&, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, MarkAsTemplate, (S, int32_t, int32_t, Variant&), (override));
+  MOCK_METHOD(RecordsetPtr, GetLog, (S, Str, Variant&), (override));
+};
+
+class MockTemplates : public business::Templates, public kxui::testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(RecordsetPtr, GetTemplateList, (S, int32_t, Variant&), (override));
+};
+
+struct FakeHeader : business::RequisitionHeader {
+  std::string ReqName() override { return name; }
+  int32_t ReqStatusID() override { return status; }
+  std::string Justification() override { return ""; }
+  void SetJustification(const std::string&) override {}
+  Variant CreateDate() override { return created; }
+  std::string BorgName() override { return ""; }
+  std::string RequisitionerName() override { return ""; }
+  std::string name = "Office chairs";
+  int32_t status = 1;
+  Variant created = Variant::null();
+};
+
+// A line item that keeps every value written to it, in order.
+struct FakeItem : business::RequisitionLineItem {
+  Names names;
+  Values values;
+  int32_t req = 0, line = 0, form = 0;
+  void put(const char* name, Variant v) { names.push_back(name), values.push_back(std::move(v)); }
+  int32_t ReqID() override { return req; }
+  void SetReqID(int32_t v) override { put("ReqID", req = v); }
+  int32_t LineNum() override { return line; }
+  void SetLineNum(int32_t v) override { put("LineNum", line = v); }
+  int32_t SmartFormID() override { return form; }
+  void SetSupplierID(int32_t v) override { put("SupplierID", v); }
+  void SetSupplierName(const std::string& v) override { put("SupplierName", v); }
+  void SetSupplierPartNum(const std::string& v) override { put("SupplierPartNum", v); }
+  void SetSupplierPartNumExt(const std::string& v) override { put("SupplierPartNumExt", v); }
+  void SetOrderQty(const Variant& v) override { put("OrderQty", v); }
+  void SetUOMID(const std::string& v) override { put("UOMID", v); }
+  void SetMfrID(int32_t v) override { put("MfrID", v); }
+  void SetMfrName(const std::string& v) override { put("MfrName", v); }
+  void SetCommodityID(int32_t v) override { put("CommodityID", v); }
+  void SetCommodityAlias(const std::string& v) override { put("CommodityAlias", v); }
+  void SetUnitPrice(Currency v) override { put("UnitPrice", v); }
+  void SetCurrencyCode(const std::string& v) override { put("CurrencyCode", v); }
+  void SetPartDesc(const std::string& v) override { put("PartDesc", v); }
+  void SetIsSpecialRequest(bool v) override { put("IsSpecialRequest", v); }
+};
+
+constexpr int32_t validation(int32_t message) { return int32_t(0x80040000u + uint32_t(message)); }
+
+class UIReqTest : public Test {
  protected:
-  std::shared_ptr<testing::TestEnv> env = testing::TestEnv::make();
-  testing::FakeServices fakes = testing::FakeServices::install(*env);
-  std::shared_ptr<FakeRequisition> req = std::make_shared<FakeRequisition>();
-  std::shared_ptr<BasicSession> session = testing::make_session();
+  std::shared_ptr<kxui::testing::TestEnv> env = kxui::testing::TestEnv::make();
+  kxui::testing::FakeServices fakes = kxui::testing::FakeServices::install(*env);
+  std::shared_ptr<NiceMock<MockRequisition>> req = std::make_shared<NiceMock<MockRequisition>>();
+  std::shared_ptr<FakeHeader> header = std::make_shared<FakeHeader>();
+  std::shared_ptr<FakeItem> item = std::make_shared<FakeItem>();
+  std::shared_ptr<BasicSession> session = kxui::testing::make_session();
   UIReq ui{env->runtime};
+  // The three in/outs of an added line as a page passes them.
+  Variant req_id = Variant(int32_t{12}), line = Variant("line in"), form = Variant("form in");
 
-  void SetUp() override { env->provide(progid::Requisition, req); }
+  // Which storing step refuses: 1 the first (the favourite's only one), 2 CompleteItem.
+  int refuse_step = 0;
 
-  // n requisitions, ReqID 1..n, created and submitted on consecutive days.
-  static RecordsetPtr requisitions(int n) {
-    std::vector<std::vector<Variant>> rows;
-    for (int i = 1; i <= n; ++i) {
-      Date d = Date::from_civil(2024, 3, 1 + i % 28, 9, 0, 0);
-      rows.push_back({Variant(int32_t{i}), Variant(d), Variant(d)});
-    }
-    return make_recordset({{"ReqID", adInteger, 0, adFldUnspecified},
-                           {"CreateDate", adDate, 0, adFldIsNullable},
-                           {"SubmitDate", adDate, 0, adFldIsNullable}},
-                          rows);
+  // Bool members answer False unless a test says otherwise; storing a line puts it on
+  // requisition 55 as line 3 with smart form 900, written even when the step then refuses.
+  void SetUp() override {
+    env->provide(progid::Requisition, req);
+    req->fail_with(99, "Requisition", "refused");
+    ON_CALL(*req, Header).WillByDefault(Return(header));
+    ON_CALL(*req, NewLineItem).WillByDefault(Return(item));
+    auto commit = [this] { return item->req = 55, item->line = 3, refuse_step != 1; };
+    ON_CALL(*req, CommitItem).WillByDefault(InvokeWithoutArgs(commit));
+    ON_CALL(*req, CommitSpecialRequestItem).WillByDefault(InvokeWithoutArgs(commit));
+    ON_CALL(*req, CompleteItem).WillByDefault(InvokeWithoutArgs([this] {
+      return item->form = 900, refuse_step != 2;
+    }));
+    ON_CALL(*req, AddFavoriteItem)
+        .WillByDefault(DoAll(SetArgReferee<3>(55), SetArgReferee<4>(3), SetArgReferee<5>(900),
+                             InvokeWithoutArgs([this] { return refuse_step == 0; })));
   }
-  static std::vector<int32_t> ints(Recordset& rs, int32_t from_col) {
-    std::vector<int32_t> out;
-    for (int32_t c = from_col; c < rs.GetFields().Count(); ++c) out.push_back(rs.value(c).to_int32());
-    return out;
+
+  bool fast_add(const std::string& qty) {
+    return ui.AddItemFastAdd(session, req_id, 8, "P-100", "X", qty, "EA", line, form);
+  }
+  bool favorite(Str qty) { return ui.AddItemFavorite(session, req_id, 4711, qty, line, form); }
+  bool special(const Variant& price, const std::string& qty) {
+    return ui.AddItemSpecialRequest(session, req_id, 8, "Acme", "SR-1", "", qty, "BX", 21, "Maker",
+                                    33, "Paper", price, "EUR", "Blue paper", line, form);
+  }
+  bool update_special(const Variant& price, const std::string& qty) {
+    return ui.UpdateSpecialRequestItem(session, 12, 2, 8, "Acme", "SR-1", "", qty, "BX", 21,
+                                       "Maker", 33, "Paper", price, "EUR", "Blue paper");
+  }
+  void expect_in_outs(const Variant& r, const Variant& l, const Variant& f) {
+    EXPECT_EQ((Values{req_id, line, form}), (Values{r, l, f}));
   }
 };
 
 TEST_F(UIReqTest, EditableStatusesAreMinusOneOneThreeAndFour) {
-  for (auto [status, editable] : {std::pair{-1, true}, {1, true}, {3, true}, {4, true},
-                                  {0, false}, {2, false}, {5, false}}) {
+  ON_CALL(*req, Load).WillByDefault(Return(true));
+  for (auto [status, editable] :
+       {std::pair{-1, true}, {1, true}, {3, true}, {4, true}, {0, false}, {2, false}, {5, false}}) {
     SCOPED_TRACE(status);
-    req->status_id = status;
-    req->number_of_items = 6;
-    Variant status_out, items_out, editable_out;
-    ASSERT_TRUE(ui.GetReqStatus(session, 8, status_out, items_out, editable_out));
-    EXPECT_EQ(status_out, Variant(int32_t{status}));
-    EXPECT_EQ(items_out, Variant(int32_t{6}));
+    EXPECT_CALL(*req, GetReqStatus(_, 8, _, _, _))
+        .WillOnce(DoAll(SetArgReferee<2>(status), SetArgReferee<3>(6), Return(true)));
+    Variant status_out, items, editable_out;
+    ASSERT_TRUE(ui.GetReqStatus(session, 8, status_out, items, editable_out));
+    EXPECT_EQ((Values{status_out, items, editable_out}), (Values{status, 6, editable}));
+    header->status = status;
+    ASSERT_TRUE(ui.GetHeaderJustification(session, 8, status_out, editable_out));
     EXPECT_EQ(editable_out, Variant(editable));
-
-    req->header->status_id = status;
-    Variant justification, editable_header;
-    ASSERT_TRUE(ui.GetHeaderJustification(session, 8, justification, editable_header));
-    EXPECT_EQ(editable_header, Variant(editable));
   }
 }
 
-TEST_F(UIReqTest, GetListPagePassesTheFiltersAndCopiesOnlyThePage) {
-  req->list = requisitions(45);
+TEST_F(UIReqTest, GetListPageAddsDisplayAndPagingColumnsAndClampsThePage) {
+  std::vector<Values> rows;
+  for (int32_t i = 1; i <= 45; ++i) {
+    const Date day = Date::from_civil(2024, 3, 1 + i % 28, 9, 0, 0);
+    rows.push_back({i, day, day});
+  }
+  const auto list = kxui::testing::make_recordset(
+      {{"ReqID", adInteger}, {"CreateDate", adDate}, {"SubmitDate", adDate}}, rows);
+  EXPECT_CALL(*req, GetRequisitionList(Eq(session), "alice", "Works", "CreateDate", "1,3", _))
+      .WillRepeatedly(Return(list));
+  ON_CALL(*req, Success).WillByDefault(Return(true));
   fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
-  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
-  Variant custom;
-  auto first = ui.GetListPage(session, "alice", "Works", "CreateDate", "1,3", 0, custom);
-  ASSERT_NE(first, nullptr) << ui.Error()->Description();
-  ASSERT_NE(req->find("GetRequisitionList"), nullptr);
-  EXPECT_EQ(req->find("GetRequisitionList")->args,
-            (std::vector<Variant>{"alice", "Works", "CreateDate", "1,3", Variant()}));
-  EXPECT_EQ(req->sessions.front(), session);
-
-  const char* names[] = {"ReqID", "CreateDate", "SubmitDate", "UIDisplay_CreateDate",
-                         "UIDisplay_SubmitDate", "UIDisplay_PageSize", "UIDisplay_CurrentPage",
-                         "UIDisplay_TotalRecords", "UIDisplay_StartRecord", "UIDisplay_EndRecord"};
-  ASSERT_EQ(first->GetFields().Count(), 10);
-  for (int32_t i = 0; i < 10; ++i) EXPECT_EQ(first->GetFields().Item(i).Name(), names[i]);
-  EXPECT_EQ(first->RecordCount(), 20);
-  EXPECT_EQ((*first)["ReqID"].Value(), Variant(int32_t{1}));
-  EXPECT_EQ((*first)["UIDisplay_SubmitDate"].Value(), Variant("1033/1/2024-03-02"));
-  EXPECT_EQ(ints(*first, 5), (std::vector<int32_t>{20, 1, 45, 1, 20}));
-
-  auto past_end = ui.GetListPage(session, "alice", "Works", "CreateDate", "1,3", 9);
-  ASSERT_NE(past_end, nullptr);
-  EXPECT_EQ(past_end->RecordCount(), 5);
-  EXPECT_EQ((*past_end)["ReqID"].Value(), Variant(int32_t{41}));
-  EXPECT_EQ(ints(*past_end, 5), (std::vector<int32_t>{20, 3, 45, 41, 45}));
-  EXPECT_FALSE(ui.Success()) << "GetListPage does not maintain Success";
-}
-
-TEST_F(UIReqTest, GetListPageFailsOnARefusedList) {
-  req->list = requisitions(3);
-  req->refuse("GetRequisitionList", 70, "no access");
-  EXPECT_EQ(ui.GetListPage(session, "", "", "", "", 0), nullptr);
-  EXPECT_THAT(ui.Error(), ErrorIs(70, "UIReq::GetListPage Requisition"));
-  EXPECT_EQ(env->count(progid::AppIni), 0) << "nothing is read after a refused list";
+  // Per page: its row count, then the first row's display dates and paging values.
+  const std::tuple<int32_t, int32_t, Values> cases[] = {
+      {0, 20, {"1033/2/2024-03-02", "1033/2/2024-03-02", 20, 1, 45, 1, 20}},
+      {9, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}},
+      {-1, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}}};
+  for (const auto& [page, count, first_row] : cases) {
+    SCOPED_TRACE(page);
+    auto rs = ui.GetListPage(session, "alice", "Works", "CreateDate", "1,3", page);
+    ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+    std::string columns;
+    Values row;
+    for (int32_t i = 0; i < rs->GetFields().Count(); ++i) {
+      columns += rs->GetFields().Item(i).Name() + ",";
+      if (i >= 3) row.push_back(rs->value(i));
+    }
+    EXPECT_EQ(columns,
+              "ReqID,CreateDate,SubmitDate,UIDisplay_CreateDate,UIDisplay_SubmitDate,"
+              "UIDisplay_PageSize,UIDisplay_CurrentPage,UIDisplay_TotalRecords,"
+              "UIDisplay_StartRecord,UIDisplay_EndRecord,");
+    EXPECT_EQ(row, first_row);
+    EXPECT_EQ(rs->RecordCount(), count);
+  }
 }
 
 TEST_F(UIReqTest, GetReqNameLoadsOnlyForAPositiveId) {
+  EXPECT_CALL(*req, Load(_, 7, false, _)).WillOnce(Return(true));
   Variant name = Variant("");
   EXPECT_FALSE(ui.GetReqName(session, 0, name));
   EXPECT_EQ(ui.Error()->Number(), 0) << "an empty name is not an error";
   name = Variant("Kept");
   EXPECT_TRUE(ui.GetReqName(session, 0, name));
   EXPECT_EQ(name, Variant("Kept"));
-  EXPECT_EQ(req->find("Load"), nullptr);
-
   EXPECT_TRUE(ui.GetReqName(session, 7, name));
   EXPECT_EQ(name, Variant("Office chairs"));
-  EXPECT_EQ(req->find("Load")->args, (std::vector<Variant>{int32_t{7}, false, Variant::missing()}));
-
-  req->header->name = "";
-  EXPECT_FALSE(ui.GetReqName(session, 7, name));
-  EXPECT_EQ(name, Variant(""));
-  req->refuse("Load", 3021, "no such requisition");
-  name = Variant("before");
-  EXPECT_FALSE(ui.GetReqName(session, 7, name));
-  EXPECT_EQ(name, Variant("before"));
-  EXPECT_THAT(ui.Error(), ErrorIs(3021, "UIReq::GetReqName Requisition"));
 }
 
 TEST_F(UIReqTest, GetReqTotalsFormatsInTheSessionsCurrencyAndLocale) {
   session->currency_code = "EUR";
   session->locale_id = 1031;
-  req->sub_total = Currency::from_double(100.5);
-  req->estimated_tax = Currency::from_double(8.04);
-  req->total = Currency::from_double(108.54);
+  EXPECT_CALL(*req, GetReqTotals(_, 4, "EUR", _, _, _, _))
+      .WillOnce(DoAll(SetArgReferee<3>(Currency::from_double(100.5)),
+                      SetArgReferee<4>(Currency::from_double(8.04)),
+                      SetArgReferee<5>(Currency::from_double(108.54)), Return(true)));
   Variant sub, tax, total;
   ASSERT_TRUE(ui.GetReqTotals(session, 4, sub, tax, total));
-  EXPECT_EQ(req->find("GetReqTotals")->args[1], Variant("EUR"));
-  EXPECT_EQ(sub, Variant("EUR 100.50@1031"));
-  EXPECT_EQ(tax, Variant("EUR 8.04@1031"));
-  EXPECT_EQ(total, Variant("EUR 108.54@1031"));
-  EXPECT_EQ(env->count(service_class::kCurrencyFormatter), 1);
-
-  req->refuse("GetReqTotals", 5, "no rate");
-  sub = Variant("as passed");
-  EXPECT_FALSE(ui.GetReqTotals(session, 4, sub, tax, total));
-  EXPECT_EQ(sub, Variant("as passed"));
-  EXPECT_THAT(ui.Error(), ErrorIs(5, "UIReq::GetReqTotals Requisition"));
+  EXPECT_EQ((Values{sub, tax, total}),
+            (Values{"EUR 100.50@1031", "EUR 8.04@1031", "EUR 108.54@1031"}));
 }
 
-TEST_F(UIReqTest, SetHeaderJustificationSavesOnlyALoadedRequisition) {
-  EXPECT_TRUE(ui.SetHeaderJustification(session, 3, "Broken chairs"));
-  EXPECT_EQ(req->call_names(), (std::vector<std::string>{"Load", "Save"}));
-  EXPECT_EQ(req->find("Load")->args[1], Variant(true)) << "loaded with its lock";
-  EXPECT_EQ(req->find("Save")->args[0], Variant("Broken chairs"));
-
-  req->refuse("Save", 40, "stale");
-  EXPECT_FALSE(ui.SetHeaderJustification(session, 3, "x"));
-  EXPECT_THAT(ui.Error(), ErrorIs(40, "UIReq::SetHeaderJustification Requisition"));
-
-  req->refuse("Load", 41, "locked by another user");
-  req->calls.clear();
-  ui.Error()->SetNumber(0);
-  EXPECT_FALSE(ui.SetHeaderJustification(session, 3, "y"));
-  EXPECT_EQ(req->call_names(), (std::vector<std::string>{"Load"}));
-  EXPECT_EQ(ui.Error()->Number(), 0) << "a refused load is not recorded";
-}
-
-TEST_F(UIReqTest, GetLogRequisitionGivesHeaderTextsAndTheDatedLog) {
-  session->time_zone_id = 17;  // two hours east of the stored zone
-  req->total = Currency::from_double(12.5);
-  req->log = make_recordset({{"DateLogged", adDate, 0, adFldUnspecified},
-                             {"Entry", adVarWChar, 50, adFldUnspecified}},
-                            {{Variant(Date::from_civil(2024, 4, 1, 23, 0, 0)), Variant("Created")},
-                             {Variant(Date::from_civil(2024, 4, 2, 8, 0, 0)), Variant("Submitted")}});
-  Variant name, requisitioner, created, cost, justification, currency;
-  auto log = ui.GetLogRequisition(session, 9, name, requisitioner, created, cost, justification,
-                                  currency);
-  ASSERT_NE(log, nullptr) << ui.Error()->Description();
-  EXPECT_EQ(req->call_names(), (std::vector<std::string>{"Load", "GetReqTotals", "GetLog"}));
-  EXPECT_EQ(req->find("GetLog")->args[0], Variant(""));
-  EXPECT_EQ(name, Variant("Office chairs"));
-  EXPECT_EQ(requisitioner, Variant("Pat Doe"));
-  EXPECT_EQ(created, Variant("1033/2/2024-03-06"));
-  EXPECT_EQ(cost, Variant("USD 12.50@1033"));
-  EXPECT_EQ(currency, Variant("USD"));
-  ASSERT_EQ(log->RecordCount(), 2);
-  EXPECT_EQ((*log)["UIDisplay_DateLogged"].Value(), Variant("1033/2/2024-04-02"));
-
-  req->refuse("GetReqTotals", 6, "overflow");
-  name = Variant("as passed");
-  EXPECT_EQ(ui.GetLogRequisition(session, 9, name, requisitioner, created, cost, justification,
-                                 currency),
-            nullptr);
-  EXPECT_EQ(name, Variant("as passed"));
-  EXPECT_THAT(ui.Error(), ErrorIs(6, "UIReq::GetLogRequisition Requisition"));
-}
-
-// Thin operations: the request, its arguments, and the source of a refusal.
-TEST_F(UIReqTest, ThinOperationsRecordRefusalsUnderTheirSource) {
-  struct Case {
-    const char* member;
-    const char* source;
-    std::function<bool()> call;
-    std::vector<Variant> args;
+// A False answer is recorded under the operation and the business object's own source;
+// in/outs keep what was passed, and the business object is released.
+TEST_F(UIReqTest, BusinessFailuresAreRecordedUnderTheOperation) {
+  Variant out, v2, v3;
+  const std::pair<const char*, std::function<bool()>> cases[] = {
+      {"UIReq::GetListPage", [&] { return ui.GetListPage(session, "", "", "", "", 0) != nullptr; }},
+      {"UIReq::GetReqName", [&] { return ui.GetReqName(session, 7, out); }},
+      {"UIReq::GetReqStatus", [&] { return ui.GetReqStatus(session, 5, out, v2, v3); }},
+      {"UIReq::GetReqTotals", [&] { return ui.GetReqTotals(session, 5, out, v2, v3); }},
+      {"UIReq::CopyReq", [&] { return ui.CopyReq(session, 5, "Copy", out, v2, v3); }},
+      {"Requisition::SubmitReq", [&] { return ui.SubmitReq(session, 5); }},
   };
-  const Case cases[] = {
-      {"UpdateReqName", "UIReq::UpdateReqName", [&] { return ui.UpdateReqName(session, 5, "New"); },
-       {int32_t{5}, "New"}},
-      {"LockRequisition", "UIReq::ReqLock", [&] { return ui.ReqLock(session, 5); }, {int32_t{5}}},
-      {"IsLockValid", "UIReq::IsValidLock", [&] { return ui.IsValidLock(session, 5); },
-       {int32_t{5}}},
-      {"ReleaseLocks", "UIReq::ReleaseLock", [&] { return ui.ReleaseLock(session); }, {}},
-      {"SubmitRequisition", "Requisition::SubmitReq", [&] { return ui.SubmitReq(session, 5); },
-       {int32_t{5}, false, int32_t{0}}},
-      {"CancelRequisition", "UIReq::CancelReq", [&] { return ui.CancelReq(session, 5); },
-       {int32_t{5}}},
-      {"DeleteRequisition", "UIReq::DeleteReq", [&] { return ui.DeleteReq(session, 5); },
-       {int32_t{5}}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.member);
-    req->calls.clear();
-    EXPECT_TRUE(c.call());
-    ASSERT_EQ(req->call_names(), std::vector<std::string>{c.member});
-    std::vector<Variant> args = c.args;
-    args.push_back(Variant::missing());  // p_CustomData omitted
-    EXPECT_EQ(req->calls[0].args, args);
-
-    req->refuse(c.member, 99, "refused");
-    EXPECT_FALSE(c.call());
-    EXPECT_THAT(ui.Error(), ErrorIs(99, std::string(c.source) + " Requisition"));
+  for (const auto& [source, call] : cases) {
+    SCOPED_TRACE(source);
+    out = Variant("as passed");
+    EXPECT_FALSE(call());
+    EXPECT_THAT(ui.Error(), ErrorIs(99, std::string(source) + " Requisition"));
+    EXPECT_EQ(out, Variant("as passed"));
+    EXPECT_EQ(req.use_count(), 2) << "released after the call";
   }
 }
 
-TEST_F(UIReqTest, SubmitReqPassesTheFlagAndReportsTheOrderCount) {
-  req->number_of_pos = 3;
+TEST_F(UIReqTest, LifecyclePassesItsArgumentsAndReportsTheResults) {
+  EXPECT_CALL(*req, SubmitRequisition(_, 11, true, Eq(1), _))
+      .WillOnce(DoAll(SetArgReferee<3>(3), Return(true)));
   int32_t pos = 1;
-  Variant custom = Variant("ctx");
-  req->custom_reply = Variant("reply");
-  EXPECT_TRUE(ui.SubmitReq(session, 11, true, pos, custom));
-  EXPECT_EQ(req->find("SubmitRequisition")->args,
-            (std::vector<Variant>{int32_t{11}, true, int32_t{1}, "ctx"}));
+  EXPECT_TRUE(ui.SubmitReq(session, 11, true, pos));
   EXPECT_EQ(pos, 3);
-  EXPECT_EQ(custom, Variant("reply")) << "custom data is the caller's variable";
 
-  req->refuse("SubmitRequisition", 12, "no approver");
-  pos = 1;
-  EXPECT_FALSE(ui.SubmitReq(session, 11, true, pos));
-  EXPECT_EQ(pos, 1);
-}
-
-TEST_F(UIReqTest, CopiesUseFlagZeroAndATemplateNeedsANewRequisition) {
-  req->copy_new_req_id = 31;
-  req->copy_items = 4;
-  req->copy_copied = 3;
+  // Both copy paths use copy mode 0.
+  EXPECT_CALL(*req, CopyRequisition(_, 30, "Chairs", _, _, _, 0, _))
+      .WillRepeatedly(
+          DoAll(SetArgReferee<3>(31), SetArgReferee<4>(4), SetArgReferee<5>(3), Return(true)));
+  EXPECT_CALL(*req, MarkAsTemplate(_, 31, 2, _)).WillOnce(Return(true));
   Variant new_id, items, copied;
-  ASSERT_TRUE(ui.CopyReq(session, 30, "Copy of chairs", new_id, items, copied));
-  EXPECT_EQ(req->find("CopyRequisition")->args,
-            (std::vector<Variant>{int32_t{30}, "Copy of chairs", int32_t{0}, Variant::missing()}));
-  EXPECT_EQ(new_id, Variant(int32_t{31}));
-  EXPECT_EQ(items, Variant(int32_t{4}));
-  EXPECT_EQ(copied, Variant(int32_t{3}));
+  ASSERT_TRUE(ui.CopyReq(session, 30, "Chairs", new_id, items, copied));
+  EXPECT_EQ((Values{new_id, items, copied}), (Values{31, 4, 3}));
+  EXPECT_TRUE(ui.CreateTemplate(session, 30, "Chairs", 2));
 
-  req->calls.clear();
-  EXPECT_TRUE(ui.CreateTemplate(session, 30, "Chairs template", 2));
-  EXPECT_EQ(req->find("CopyRequisition")->args[2], Variant(int32_t{0}));
-  EXPECT_EQ(req->find("MarkAsTemplate")->args,
-            (std::vector<Variant>{int32_t{31}, int32_t{2}, Variant::missing()}));
-
-  req->refuse("DeleteRequisition", 77, "an earlier failure");
-  ui.DeleteReq(session, 1);
-  req->copy_new_req_id = 0;
-  req->calls.clear();
-  EXPECT_FALSE(ui.CreateTemplate(session, 30, "Chairs template", 2));
-  EXPECT_EQ(req->call_names(), std::vector<std::string>{"CopyRequisition"});
-  EXPECT_THAT(ui.Error(), ErrorIs(77, "UIReq::DeleteReq Requisition")) << "Error untouched";
+  // Neither is a failure: Error keeps what an earlier call left, and nothing is marked
+  // or saved.
+  ui.Error()->SetNumber(77);
+  EXPECT_CALL(*req, CopyRequisition).WillOnce(DoAll(SetArgReferee<3>(0), Return(true)));
+  EXPECT_FALSE(ui.CreateTemplate(session, 30, "Chairs", 2));
+  EXPECT_FALSE(ui.SetHeaderJustification(session, 3, "y"));  // Load answers False
+  EXPECT_EQ(ui.Error()->Number(), 77);
 }
 
-TEST_F(UIReqTest, GetTemplateListPagesTheTemplatesIntoTheInOut) {
-  auto templates = std::make_shared<FakeTemplates>();
+TEST_F(UIReqTest, FastAddReadsTheLocalesQuantityFillsTheLineAndReportsItsIdentity) {
+  session->locale_id = 1031;
+  session->currency_code = "CHF";
+  EXPECT_CALL(*req, CommitItem(_, "", _));
+  EXPECT_CALL(*req, CompleteItem(_, 55, 3, _));
+  ASSERT_TRUE(fast_add("1,23456")) << ui.Error()->Description();
+  EXPECT_EQ(item->names, (Names{"ReqID", "SupplierID", "SupplierPartNum", "SupplierPartNumExt",
+                                "OrderQty", "UOMID", "CurrencyCode", "IsSpecialRequest"}));
+  EXPECT_EQ(item->values, (Values{12, 8, "P-100", "X", 1.2346, "EA", "CHF", false}));
+  expect_in_outs(55, 3, 900);
+  EXPECT_EQ(req.use_count(), 2) << "released after the call";
+}
+
+TEST_F(UIReqTest, FavoriteQuantityIsRoundedToFourDecimals) {
+  EXPECT_CALL(*req, AddFavoriteItem(_, 4711, 7.0, Eq(12), _, _, _));
+  ASSERT_TRUE(favorite(" 7.00004 "));
+  expect_in_outs(55, 3, 900);
+}
+
+// Typed input is read before anything reaches the business tier.
+TEST_F(UIReqTest, UnreadableInputIsRejectedBeforeAnythingIsStored) {
+  session->locale_id = 1031;
+  env->last_error()->translation = "Eingabe ungültig";
+  // Storing would succeed and write the in/outs, so anything stored shows below.
+  const std::tuple<const char*, std::function<bool()>, int32_t> cases[] = {
+      {"UIReq::AddItemFastAdd ", [&] { return fast_add("2.5"); }, 11602},
+      {"UIReq::AddItemFavorite ", [&] { return favorite("zwei"); }, 11603},
+      {"UIReq::AddItemSpecialRequest ", [&] { return special(Variant("4,20"), ""); }, 11601},
+      {"UIReq::AddItemSpecialRequest ", [&] { return special(Variant("teuer"), "x"); }, 11600},
+      {"UIReq::AddItemSpecialRequest ", [&] { return special(Variant::null(), "1"); }, 11600},
+      {"UIReq::AddItemSpecialRequest ", [&] { return special(Variant("1e300"), "1"); }, 11600},
+      {"UIReq::UpdateSpecialRequestItem ", [&] { return update_special("4,2", "1e3"); }, 11605},
+      {"UIReq::UpdateSpecialRequestItem ", [&] { return update_special("abc", "x"); }, 11604},
+  };
+  for (const auto& [source, call, message] : cases) {
+    SCOPED_TRACE(message);
+    EXPECT_FALSE(call());
+    EXPECT_THAT(ui.Error(), ErrorIs(validation(message), source));
+    EXPECT_EQ(ui.Error()->Description(), "Eingabe ungültig");
+    expect_in_outs(12, "line in", "form in");
+  }
+}
+
+TEST_F(UIReqTest, SpecialRequestsWriteEveryValueInOrder) {
+  session->locale_id = 1031;
+  const Currency price = Currency::from_scaled(123400);
+  ASSERT_TRUE(special(Variant("12,34"), "3"));
+  Names names = {
+      "ReqID",          "SupplierID", "SupplierName", "SupplierPartNum", "SupplierPartNumExt",
+      "OrderQty",       "UOMID",      "MfrID",        "MfrName",         "CommodityID",
+      "CommodityAlias", "UnitPrice",  "CurrencyCode", "PartDesc",        "IsSpecialRequest"};
+  EXPECT_EQ(item->names, names);
+  EXPECT_EQ(item->values, (Values{12, 8, "Acme", "SR-1", "", 3.0, "BX", 21, "Maker", 33, "Paper",
+                                  price, "EUR", "Blue paper", true}));
+  expect_in_outs(55, 3, 900);
+
+  item->names.clear(), item->values.clear();
+  EXPECT_CALL(*req, UpdateSpecialRequestItem).WillOnce(Return(true));
+  ASSERT_TRUE(update_special(Variant("12,34"), "3"));
+  names.insert(names.begin() + 1, "LineNum");
+  EXPECT_EQ(item->names, names);
+  EXPECT_EQ(Values(item->values.begin(), item->values.begin() + 2), (Values{12, 2}));
+}
+
+TEST_F(UIReqTest, ARefusalAtEitherStoringStepLeavesTheInOutsAsPassed) {
+  const std::pair<const char*, std::function<bool()>> cases[] = {
+      {"UIReq::AddItemFastAdd", [&] { return fast_add("1"); }},
+      {"UIReq::AddItemSpecialRequest", [&] { return special(Variant("1"), "1"); }},
+      {"UIReq::AddItemFavorite", [&] { return favorite("1"); }},
+  };
+  for (refuse_step = 1; refuse_step <= 2; ++refuse_step) {
+    for (const auto& [source, call] : cases) {
+      SCOPED_TRACE(std::string(source) + " refused at step " + std::to_string(refuse_step));
+      EXPECT_FALSE(call());
+      EXPECT_THAT(ui.Error(), ErrorIs(99, std::string(source) + " Requisition"));
+      expect_in_outs(12, "line in", "form in");
+    }
+  }
+}
+
+
+TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
+  header->created = Variant(Date::from_civil(2024, 3, 5, 23, 0, 0));
+  session->time_zone_id = 16;  // one hour east: the next day
+  ON_CALL(*req, Load(_, 7, true, _)).WillByDefault(Return(true));
+  ON_CALL(*req, GetReqTotals).WillByDefault(DoAll(SetArgReferee<5>(Currency::from_double(9.5)),
+                                                  Return(true)));
+  Date logged = Date::from_civil(2024, 3, 6, 8, 0, 0);
+  EXPECT_CALL(*req, GetLog(_, "", _))
+      .WillOnce(Return(kxui::testing::make_recordset({{"DateLogged", adDate, 0, adFldUnspecified}},
+                                                     {{Variant(logged)}, {Variant(logged)}})));
+  Variant name, who, created, cost, why, currency;
+  auto log = ui.GetLogRequisition(session, 7, name, who, created, cost, why, currency);
+  ASSERT_NE(log, nullptr) << ui.Error()->Description();
+  EXPECT_EQ((Values{name, created, cost}),
+            (Values{"Office chairs", "1033/2/2024-03-06", "USD 9.50@1033"}));
+  EXPECT_EQ(log->RecordCount(), 2);
+  EXPECT_EQ((*log)["UIDisplay_DateLogged"].Value().to_string(), "1033/2/2024-03-06");
+}
+
+TEST_F(UIReqTest, GetTemplateListPagesTheTemplatesWithoutDisplayColumns) {
+  auto templates = std::make_shared<NiceMock<MockTemplates>>();
   env->provide(progid::Templates, templates);
-  templates->list = requisitions(45);
-  fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
-  Variant page;
-  ASSERT_TRUE(ui.GetTemplateList(session, 6, 0, page));
-  EXPECT_EQ(env->created, (std::vector<std::string>{"factory:KxUtility03.KxError",
-                                                    "factory:KxUtility03.AppIni",
-                                                    "factory:KxReq03.Templates"}));
-  EXPECT_EQ(templates->find("GetTemplateList")->args,
-            (std::vector<Variant>{int32_t{6}, Variant::missing()}));
+  std::vector<std::vector<Variant>> rows;
+  for (int32_t i = 1; i <= 25; ++i) rows.push_back({Variant(i)});
+  ON_CALL(*templates, GetTemplateList(_, 3, _))
+      .WillByDefault(Return(kxui::testing::make_recordset({{"ID", adInteger, 0, adFldUnspecified}},
+                                                          rows)));
+  Variant page = Variant("in");
+  ASSERT_TRUE(ui.GetTemplateList(session, 3, 0, page));
   auto rs = page.as<Recordset>();
-  ASSERT_EQ(rs->GetFields().Count(), 8);
-  EXPECT_EQ(rs->GetFields().Item(3).Name(), "UIDisplay_PageSize");
   EXPECT_EQ(rs->RecordCount(), 20);
-  EXPECT_EQ(ints(*rs, 3), (std::vector<int32_t>{20, 1, 45, 1, 20}));
-
-  ASSERT_TRUE(ui.GetTemplateList(session, 6, -1, page));
-  EXPECT_EQ(ints(*page.as<Recordset>(), 3), (std::vector<int32_t>{20, 3, 45, 41, 45}));
-
-  templates->list = nullptr;
-  page = Variant("as passed");
-  EXPECT_FALSE(ui.GetTemplateList(session, 6, 0, page));
-  EXPECT_EQ(page, Variant("as passed"));
-  EXPECT_THAT(ui.Error(), ErrorIs(91, "UIReq::GetTemplateList "));
-}
-
-TEST_F(UIReqTest, BusinessObjectsAreReleasedOnSuccessAndFailure) {
-  std::vector<std::weak_ptr<FakeRequisition>> made;
-  bool refuse = false;
-  env->provide_fn(progid::Requisition, [&]() -> ObjectPtr {
-    auto r = std::make_shared<FakeRequisition>();
-    if (refuse) r->refuse("CommitItem");
-    made.push_back(r);
-    return r;
-  });
-  Variant req_id = Variant(int32_t{0}), line, form;
-  EXPECT_TRUE(ui.AddItemFastAdd(session, req_id, 1, "P-1", "", "2", "EA", line, form));
-  refuse = true;
-  EXPECT_FALSE(ui.AddItemFastAdd(session, req_id, 1, "P-1", "", "2", "EA", line, form));
-  EXPECT_TRUE(ui.CancelReq(session, 5));
-  ASSERT_EQ(made.size(), 3u);
-  for (const auto& w : made) EXPECT_TRUE(w.expired());
+  EXPECT_EQ(rs->GetFields().Count(), 6);
+  ASSERT_TRUE(ui.GetTemplateList(session, 3, 2, page));
+  rs = page.as<Recordset>();
+  EXPECT_EQ((Values{rs->value(0), rs->value(4), rs->value(5)}), (Values{21, 21, 25}));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 // test fakes any business object by ProgID in a few lines:
 //
 //   auto env = testing::TestEnv::make();
-//   auto req = std::make_shared<FakeRequisition>();
+//   auto req = std::make_shared<MyFakeRequisition>();
 //   env->provide(progid::Requisition, req);
 //   UIReq ui(env->runtime);
 #pragma once

@@ -1,201 +1,190 @@
-#include <functional>
+// The workflow actions, the map and delegation, against gmock business objects.
+#include <tuple>
 
-#include <gtest/gtest.h>
-
+#include "kxui/business/borg_delegation.h"
 #include "kxui/business/progids.h"
-#include "kxui/testing/fake_workflow.h"
+#include "kxui/business/workflow.h"
+#include "kxui/testing/test_runtime.h"
 #include "kxui/workflow/ui_wf.h"
 
 namespace kxui {
 namespace {
 
+using namespace ::testing;
 using testing::ErrorIs;
-using testing::FakeDiagram;
-using testing::FakeWorkflow;
 
 constexpr int32_t kRefused = -2147220991;  // a business-tier error number
 
+using Session = const SessionPtr&;
+using Text = const std::string&;
+
+class MockWorkflow : public business::Workflow, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, AddAfter, (Session, int32_t, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddBefore, (Session, int32_t, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddAfterApprovalChain, (Session, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddBeforeApprovalChain, (Session, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddParallelApprovalChain, (Session, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddReviewer, (Session, int32_t, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, AddComments, (Session, int32_t, Text, Variant&));
+  MOCK_METHOD(bool, Approve, (Session, int32_t, int32_t, Text, Variant&));
+  MOCK_METHOD(bool, Reject, (Session, int32_t, int32_t, Text, Variant&));
+  MOCK_METHOD(bool, Cancel, (Session, int32_t, Variant&));
+  MOCK_METHOD(bool, BuildApprovalProcess, (Session, int32_t, bool, int16_t&, Variant&));
+  MOCK_METHOD(int32_t, GetApprovalCount, (Session, int32_t, Variant&));
+  MOCK_METHOD(RecordsetPtr, GetApproverSearchResults, (Session, int32_t, Text, Text, Variant&));
+  MOCK_METHOD(bool, Success, ());
+};
+
+class MockDiagram : public business::Diagram, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, BuildDataStructure,
+              (Session, int32_t, Text, int16_t, Variant&, Text, Variant&));
+};
+
+class MockBorgDelegation : public business::BorgDelegation, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (Session, Variant&));
+  MOCK_METHOD(bool, Save, (Session, Variant&));
+  MOCK_METHOD(RecordsetPtr, GetDelegateSearchResults, (Session, Text, Text, Variant&));
+  MOCK_METHOD(int32_t, BorgID, ());
+  MOCK_METHOD(void, SetBorgID, (int32_t));
+  MOCK_METHOD(int32_t, SysUserID, ());
+  MOCK_METHOD(void, SetSysUserID, (int32_t));
+  MOCK_METHOD(int32_t, DelegateeID, ());
+  MOCK_METHOD(void, SetDelegateeID, (int32_t));
+  MOCK_METHOD(std::string, DelegateeName, ());
+  MOCK_METHOD(std::string, DelegateeLoginID, ());
+  MOCK_METHOD(Date, DelegateStartDate, ());
+  MOCK_METHOD(void, SetDelegateStartDate, (Date));
+  MOCK_METHOD(Date, DelegateEndDate, ());
+  MOCK_METHOD(void, SetDelegateEndDate, (Date));
+  MOCK_METHOD(bool, Enabled, ());
+  MOCK_METHOD(void, SetEnabled, (bool));
+  MOCK_METHOD(bool, DelegationEnabled, ());
+  MOCK_METHOD(bool, Success, ());
+};
+
 class UIWFActionsTest : public ::testing::Test {
  protected:
-  void SetUp() override { env->provide(progid::Workflow, wf); }
+  void SetUp() override {
+    env->provide(progid::Workflow, wf);
+    env->provide(progid::Diagram, diagram);
+    env->provide(progid::BorgDelegation, delegation);
+  }
 
   std::shared_ptr<testing::TestEnv> env = testing::TestEnv::make();
-  std::shared_ptr<BasicSession> session = testing::make_session();
-  std::shared_ptr<FakeWorkflow> wf = std::make_shared<FakeWorkflow>();
+  SessionPtr session = testing::make_session();
+  std::shared_ptr<MockWorkflow> wf = std::make_shared<NiceMock<MockWorkflow>>();
+  std::shared_ptr<MockDiagram> diagram = std::make_shared<NiceMock<MockDiagram>>();
+  std::shared_ptr<MockBorgDelegation> delegation = std::make_shared<NiceMock<MockBorgDelegation>>();
   UIWF ui{env->runtime};
 };
 
-struct ActionCase {
-  const char* source;
-  std::function<bool(UIWF&, const SessionPtr&, Variant&)> call;
-  const char* passed;  // what the business object must receive after the session
-};
+// Answers `result` after writing a reply into the custom data (the last argument).
+auto answer(bool result) {
+  return [result](auto&&... args) {
+    std::get<sizeof...(args) - 1>(std::tie(args...)) = Variant("from business");
+    return result;
+  };
+}
 
-const ActionCase kActions[] = {
-    {"UIWF::AddAfter",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.AddAfter(s, 101, 2, 303, 404, c); },
-     "AddAfter(101,2,303,404)"},
-    {"UIWF::AddBefore",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.AddBefore(s, 101, 2, 303, 404, c); },
-     "AddBefore(101,2,303,404)"},
-    {"UIWF::AddAfterApprovalChain",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) {
-       return ui.AddAfterApprovalChain(s, 101, 303, 404, c);
-     },
-     "AddAfterApprovalChain(101,303,404)"},
-    {"UIWF::AddBeforeApprovalChain",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) {
-       return ui.AddBeforeApprovalChain(s, 101, 303, 404, c);
-     },
-     "AddBeforeApprovalChain(101,303,404)"},
-    {"UIWF::AddParallelApprovalChain",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) {
-       return ui.AddParallelApprovalChain(s, 101, 303, 404, c);
-     },
-     "AddParallelApprovalChain(101,303,404)"},
-    {"UIWF::AddReviewer",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.AddReviewer(s, 101, 505, 606, c); },
-     "AddReviewer(101,505,606)"},
-    {"UIWF::AddComments",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.AddComments(s, 101, "see quote", c); },
-     "AddComments(101,see quote)"},
-    {"UIWF::Approve",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.Approve(s, 101, 2, "ok", c); },
-     "Approve(101,2,ok)"},
-    {"UIWF::Reject",
-     [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.Reject(s, 101, 2, "no budget", c); },
-     "Reject(101,2,no budget)"},
-    {"UIWF::Cancel", [](UIWF& ui, const SessionPtr& s, Variant& c) { return ui.Cancel(s, 101, c); },
-     "Cancel(101)"},
-};
-
-TEST_F(UIWFActionsTest, ActionsPassTheirArgumentsAndReportTheBusinessError) {
-  for (const ActionCase& c : kActions) {
-    SCOPED_TRACE(c.source);
-    wf->calls.clear();
-    wf->result = true;
-    wf->custom_reply = Variant("from business");
+// Runs an action succeeding, then refused. `expect_call(result)` expects the business
+// operation of the same name with the session, the action's arguments in order and the
+// caller's custom data; `call(custom)` runs the action.
+template <class Expect, class Call>
+void check_action(UIWF& ui, const std::string& source, Expect expect_call, Call call) {
+  for (bool result : {true, false}) {
+    SCOPED_TRACE(source + (result ? " succeeding" : " refused"));
+    expect_call(result);
     Variant custom = Variant(int32_t{77});
-    EXPECT_TRUE(c.call(ui, session, custom));
-    EXPECT_TRUE(ui.Success());
-    EXPECT_EQ(wf->calls, std::vector<std::string>{c.passed});
-    EXPECT_EQ(wf->session_seen, session);
-    EXPECT_EQ(wf->custom_seen.to_int32(), 77);
-    EXPECT_EQ(custom.to_string(), "from business");
-
-    wf->result = false;
-    wf->fail_with(kRefused, "KxWF03.Workflow", "Step 2 is already approved.");
-    EXPECT_FALSE(c.call(ui, session, custom));
-    EXPECT_FALSE(ui.Success());
-    EXPECT_THAT(ui.Error(), ErrorIs(kRefused, std::string(c.source) + " KxWF03.Workflow"));
+    EXPECT_EQ(call(custom), result);
+    EXPECT_EQ(ui.Success(), result);
+    EXPECT_EQ(custom, Variant("from business"));
+    if (result) continue;
+    EXPECT_THAT(ui.Error(), ErrorIs(kRefused, source + " KxWF03.Workflow"));
     EXPECT_EQ(ui.Error()->Description(), "Step 2 is already approved.");
   }
 }
 
-TEST_F(UIWFActionsTest, SuccessIsClearedOnEntryAndByAnyFailure) {
-  ASSERT_TRUE(ui.Approve(session, 1, 1, ""));
-  bool success_during_call = true;
-  wf->on_call = [&] { success_during_call = ui.Success(); };
-  EXPECT_TRUE(ui.Reject(session, 1, 1, ""));
-  EXPECT_FALSE(success_during_call);
+#define KXUI_CHECK_ACTION(Name, ...)                                           \
+  check_action(                                                                \
+      ui, "UIWF::" #Name,                                                      \
+      [&](bool r) {                                                            \
+        EXPECT_CALL(*wf, Name(session, __VA_ARGS__, Eq(Variant(int32_t{77})))) \
+            .WillOnce(answer(r));                                              \
+      },                                                                       \
+      [&](Variant& custom) { return ui.Name(session, __VA_ARGS__, custom); })
 
-  wf->broken = true;  // the call itself throws
-  EXPECT_FALSE(ui.Cancel(session, 1));
-  EXPECT_FALSE(ui.Success());
-  EXPECT_THAT(ui.Error(), ErrorIs(70, "UIWF::Cancel Workflow"));
-
-  auto bare = testing::TestEnv::make();  // nothing registered
-  UIWF orphan(bare->runtime);
-  EXPECT_FALSE(orphan.AddComments(session, 1, "x"));
-  EXPECT_EQ(orphan.Error()->Number(), err::kCannotCreateObject);
-}
-
-TEST_F(UIWFActionsTest, OmittedCustomDataArrivesMissingAndObjectsAreReleased) {
-  std::weak_ptr<FakeWorkflow> last;
-  env->provide_fn(progid::Workflow, [&last] {
-    auto fresh = std::make_shared<FakeWorkflow>();
-    fresh->result = false;
-    last = fresh;
-    return fresh;
-  });
-  EXPECT_FALSE(ui.Cancel(session, 1));
-  EXPECT_TRUE(last.expired()) << "released on the failure path";
-  EXPECT_FALSE(ui.AddComments(session, 1, "x"));
-  EXPECT_TRUE(last.expired());
-
-  env->provide(progid::Workflow, wf);
-  EXPECT_TRUE(ui.Cancel(session, 1));
-  EXPECT_TRUE(wf->custom_seen.is_missing());
+TEST_F(UIWFActionsTest, ActionsPassTheirArgumentsAndReportTheBusinessError) {
+  wf->fail_with(kRefused, "KxWF03.Workflow", "Step 2 is already approved.");
+  KXUI_CHECK_ACTION(AddAfter, 101, 2, 303, 404);
+  KXUI_CHECK_ACTION(AddBefore, 101, 2, 303, 404);
+  KXUI_CHECK_ACTION(AddAfterApprovalChain, 101, 303, 404);
+  KXUI_CHECK_ACTION(AddBeforeApprovalChain, 101, 303, 404);
+  KXUI_CHECK_ACTION(AddParallelApprovalChain, 101, 303, 404);
+  KXUI_CHECK_ACTION(AddReviewer, 101, 505, 606);
+  KXUI_CHECK_ACTION(AddComments, 101, "see quote");
+  KXUI_CHECK_ACTION(Approve, 101, 2, "ok");
+  KXUI_CHECK_ACTION(Reject, 101, 2, "no budget");
+  KXUI_CHECK_ACTION(Cancel, 101);
 }
 
 TEST_F(UIWFActionsTest, BuildApprovalProcessNeverTouchesTheCallersCounter) {
+  EXPECT_CALL(*wf, BuildApprovalProcess(session, 8, true, Eq(0), _))  // a fresh counter
+      .WillOnce(DoAll(SetArgReferee<3>(9), Return(true)));
   int16_t count = 5;
   EXPECT_TRUE(ui.BuildApprovalProcess(session, 8, true, count));
   EXPECT_EQ(count, 5);
-  EXPECT_EQ(wf->counter_seen, 0) << "the business tier gets a fresh counter";
-  EXPECT_EQ(wf->calls.back(), "BuildApprovalProcess(8,True,0)");
-
-  wf->result = false;
-  wf->fail_with(kRefused, "Workflow", "no route");
-  EXPECT_FALSE(ui.BuildApprovalProcess(session, 8, false, count));
-  EXPECT_EQ(count, 5);
-  EXPECT_THAT(ui.Error(), ErrorIs(kRefused, "UIWF::BuildApprovalProcess Workflow"));
-  wf->result = true;
-  EXPECT_TRUE(ui.BuildApprovalProcess(session, 8, false)) << "the counter may be omitted";
 }
 
 TEST_F(UIWFActionsTest, GetApprovalCountKeepsTheBusinessCountOnFailure) {
-  wf->approval_count = 4;
-  EXPECT_EQ(ui.GetApprovalCount(session, 8), 4);
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(wf->calls.back(), "GetApprovalCount(8)");
-
-  bool success_during_call = false;
-  wf->on_call = [&] { success_during_call = ui.Success(); };
-  wf->success = false;
-  wf->approval_count = 3;
+  EXPECT_CALL(*wf, GetApprovalCount(session, 8, _)).WillOnce(Return(3));
+  EXPECT_CALL(*wf, Success()).WillOnce(Return(false));
   wf->fail_with(kRefused, "Workflow", "route not built");
   EXPECT_EQ(ui.GetApprovalCount(session, 8), 3);
-  EXPECT_TRUE(success_during_call) << "Success is not cleared on entry";
   EXPECT_FALSE(ui.Success());
   EXPECT_THAT(ui.Error(), ErrorIs(kRefused, "UIWF::GetApprovalCount Workflow"));
-
-  wf->broken = true;
-  EXPECT_EQ(ui.GetApprovalCount(session, 8), 0) << "a failed call has no count";
-  EXPECT_THAT(ui.Error(), ErrorIs(70, "UIWF::GetApprovalCount Workflow"));
 }
 
-class UIWFMapTest : public UIWFActionsTest {
- protected:
-  void SetUp() override { env->provide(progid::Diagram, diagram); }
-  std::shared_ptr<FakeDiagram> diagram = std::make_shared<FakeDiagram>();
-};
-
-TEST_F(UIWFMapTest, TheMapIsExactlyWhatTheDiagramWrote) {
-  diagram->html = "<TABLE><TR><TD>Ann</TD></TR></TABLE>";
+TEST_F(UIWFActionsTest, TheMapIsWhatTheDiagramWroteOrTheFixedErrorText) {
+  const std::string map = "<TABLE><TR><TD>Ann</TD></TR></TABLE>";
+  EXPECT_CALL(*diagram, BuildDataStructure(session, 8, "full", 3, _, "Verdana", _))
+      .WillOnce(DoAll(SetArgReferee<4>(Variant(map)), Return(true)))
+      .WillOnce(DoAll(SetArgReferee<4>(Variant("<TABLE><TR>")), Return(false)));
   Variant html = Variant("old");
   EXPECT_TRUE(ui.BuildDataStructure(session, 8, "full", 3, html, "Verdana"));
-  EXPECT_EQ(html.to_string(), "<TABLE><TR><TD>Ann</TD></TR></TABLE>");
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(diagram->calls.back(), "BuildDataStructure(8,full,3,Verdana)");
+  EXPECT_EQ(html, Variant(map));
+
+  diagram->fail_with(kRefused, "Diagram", "no approvers");
+  EXPECT_FALSE(ui.BuildDataStructure(session, 8, "full", 3, html, "Verdana"));
+  EXPECT_EQ(html, Variant("Error in creating workflow map"));
+  EXPECT_THAT(ui.Error(), ErrorIs(kRefused, "Workflow::BuildDataStructure Diagram"));
 }
 
-TEST_F(UIWFMapTest, AnyFailureReplacesTheMapWithTheFixedText) {
-  diagram->html = "<TABLE><TR>";
-  diagram->result = false;
-  diagram->fail_with(kRefused, "Diagram", "no approvers");
-  Variant html;
-  EXPECT_FALSE(ui.BuildDataStructure(session, 8, "full", 3, html, "Verdana"));
-  EXPECT_EQ(html.to_string(), "Error in creating workflow map");
-  EXPECT_FALSE(ui.Success());
-  EXPECT_THAT(ui.Error(), ErrorIs(kRefused, "Workflow::BuildDataStructure Diagram"));
+TEST_F(UIWFActionsTest, CheckDelegationEnabledTreatsAFailedLoadAsNo) {
+  EXPECT_CALL(*delegation, Load(session, _)).WillOnce(Return(true)).WillOnce(Return(false));
+  ON_CALL(*delegation, DelegationEnabled()).WillByDefault(Return(true));
+  EXPECT_TRUE(ui.CheckDelegationEnabled(session));
+  EXPECT_FALSE(ui.CheckDelegationEnabled(session));
+  EXPECT_TRUE(ui.Success()) << "not an error here";
+}
 
-  auto bare = testing::TestEnv::make();  // the Diagram cannot be created
-  UIWF orphan(bare->runtime);
-  html = Variant("<P>");
-  EXPECT_FALSE(orphan.BuildDataStructure(session, 8, "full", 3, html, "Verdana"));
-  EXPECT_EQ(html.to_string(), "Error in creating workflow map");
-  EXPECT_EQ(orphan.Error()->Number(), err::kCannotCreateObject);
+TEST_F(UIWFActionsTest, GetBorgDelegationDataKeepsWhatWasWrittenBeforeAFailure) {
+  ON_CALL(*delegation, Load).WillByDefault(Return(true));
+  const Variant unset("?");
+  std::vector<Variant> out(8, unset);
+  ON_CALL(*delegation, BorgID()).WillByDefault(Return(3));
+  ON_CALL(*delegation, SysUserID()).WillByDefault(Return(12));
+  ON_CALL(*delegation, DelegateeName()).WillByDefault([]() -> std::string {
+    throw Failure(3021, "BorgDelegation", "no current record");
+  });
+  EXPECT_FALSE(ui.GetBorgDelegationData(session, out[0], out[1], out[2], out[3], out[4], out[5],
+                                        out[6], out[7]));
+  EXPECT_THAT(ui.Error(), ErrorIs(3021, "UIWF::GetBorgDelegationData BorgDelegation"));
+  // Written one by one: the outputs before the failing name keep their new values.
+  EXPECT_EQ(out, (std::vector<Variant>{Variant(int32_t{3}), Variant(int32_t{12}),
+                                       Variant(int32_t{0}), unset, unset, unset, unset, unset}));
 }
 
 }  // namespace

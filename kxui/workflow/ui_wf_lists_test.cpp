@@ -1,55 +1,91 @@
-#include <functional>
-#include <tuple>
+// The work lists and the approver's header, against gmock business objects.
+#include <map>
 
-#include <gtest/gtest.h>
-
+#include "kxui/business/approvals.h"
 #include "kxui/business/progids.h"
+#include "kxui/business/requisition.h"
 #include "kxui/testing/fake_services.h"
-#include "kxui/testing/fake_workflow.h"
 #include "kxui/workflow/ui_wf.h"
 
 namespace kxui {
 namespace {
 
+using namespace ::testing;
 using testing::ErrorIs;
-using testing::make_recordset;
 
-using Layout = std::vector<std::tuple<std::string, DataTypeEnum, int32_t>>;
+class MockApprovals : public business::Approvals, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(RecordsetPtr, GetApproverList, (const SessionPtr&, const std::string&, Variant&));
+  MOCK_METHOD(bool, Success, ());
+  MOCK_METHOD(int32_t, ResultCode, ());
+};
 
-void expect_layout(const Recordset& rs, const Layout& layout) {
-  const Fields& f = rs.GetFields();
-  ASSERT_EQ(f.Count(), static_cast<int32_t>(layout.size()));
-  for (int32_t i = 0; i < f.Count(); ++i) {
-    SCOPED_TRACE(std::get<0>(layout[i]));
-    EXPECT_EQ(f[i].Name(), std::get<0>(layout[i]));
-    EXPECT_EQ(f[i].Type(), std::get<1>(layout[i]));
-    EXPECT_EQ(f[i].DefinedSize(), std::get<2>(layout[i]));
+class MockApprovalReview : public business::ApprovalReview, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(RecordsetPtr, GetReviewerList, (const SessionPtr&, const std::string&, Variant&));
+  MOCK_METHOD(RecordsetPtr, GetReviewList, (const SessionPtr&, int32_t, int32_t, Variant&));
+  MOCK_METHOD(bool, Success, ());
+  MOCK_METHOD(int32_t, ResultCode, ());
+};
+
+class MockApprovalItems : public business::ApprovalItems, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (const SessionPtr&, int32_t, int32_t, Variant&));
+  MOCK_METHOD(int32_t, ResultCode, ());
+  MOCK_METHOD(std::vector<std::shared_ptr<business::ApprovalItem>>, Items, ());
+};
+
+class MockRequisition : public business::Requisition, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (const SessionPtr&, int32_t, bool, Variant&));
+  MOCK_METHOD(std::shared_ptr<business::RequisitionHeader>, Header, ());
+  MOCK_METHOD(bool, Success, ());
+};
+
+class Header : public business::RequisitionHeader {
+ public:
+  std::string ReqName() override { return "Laptops"; }
+  int32_t ReqStatusID() override { return 2; }
+  std::string Justification() override { return "Three new hires"; }
+  void SetJustification(const std::string&) override {}
+  Variant CreateDate() override { return Variant(Date::from_civil(2024, 3, 5, 9, 30, 0)); }
+  std::string BorgName() override { return "Finance"; }
+  std::string RequisitionerName() override { return "Ann Lee"; }
+};
+
+// The columns as "Name type[size], ...", e.g. "ReqID int, Comments text200".
+std::string layout_of(const Recordset& rs) {
+  static const std::map<DataTypeEnum, std::string> kTypes = {
+      {adInteger, " int"}, {adDate, " date"}, {adVarWChar, " text"}};
+  std::string out;
+  for (int32_t i = 0; i < rs.GetFields().Count(); ++i) {
+    const Field& f = rs.GetFields()[i];
+    out += (i ? ", " : "") + f.Name() + kTypes.at(f.Type()) +
+           (f.DefinedSize() ? std::to_string(f.DefinedSize()) : "");
   }
+  return out;
 }
 
-// n requisitions: ReqID i, created on day i of March 2024, waiting since day i of April.
+const std::string kPaging =
+    ", UIDisplay_PageSize int, UIDisplay_CurrentPage int, UIDisplay_TotalRecords int, "
+    "UIDisplay_StartRecord int, UIDisplay_EndRecord int";
+
+// A work list with a row for each of `values`: ReqID n, ReqCreateDate 23:00 on March n+1
+// (zone 15) and `third` holding the value.
+RecordsetPtr work_list(const FieldInfo& third, const std::vector<Variant>& values) {
+  std::vector<std::vector<Variant>> rows;
+  for (const Variant& v : values) {
+    const int32_t n = static_cast<int32_t>(rows.size()) + 1;
+    rows.push_back({Variant(n), Variant(Date::from_civil(2024, 3, 1 + n % 28, 23, 0, 0)), v});
+  }
+  return testing::make_recordset({{"ReqID", adInteger}, {"ReqCreateDate", adDate}, third}, rows);
+}
 RecordsetPtr approver_list(int n) {
-  std::vector<std::vector<Variant>> rows;
-  for (int i = 1; i <= n; ++i) {
-    rows.push_back({Variant(int32_t{i}), Variant(Date::from_civil(2024, 3, 1 + i % 28, 23, 0, 0)),
-                    Variant(Date::from_civil(2024, 4, 1 + i % 28))});
-  }
-  return make_recordset({{"ReqID", adInteger, 0, adFldUnspecified},
-                         {"ReqCreateDate", adDate, 0, adFldUnspecified},
-                         {"ApproveBeginDate", adDate, 0, adFldUnspecified}},
-                        rows);
+  return work_list({"ApproveBeginDate", adDate},
+                   std::vector(n, Variant(Date::from_civil(2024, 4, 2))));
 }
-
 RecordsetPtr reviewer_list(const std::vector<Variant>& comments) {
-  std::vector<std::vector<Variant>> rows;
-  int32_t id = 0;
-  for (const Variant& c : comments) {
-    rows.push_back({Variant(++id), Variant(Date::from_civil(2024, 3, 5)), c});
-  }
-  return make_recordset({{"ReqID", adInteger, 0, adFldUnspecified},
-                         {"ReqCreateDate", adDate, 0, adFldUnspecified},
-                         {"Comments", adVarWChar, 200, adFldIsNullable}},
-                        rows);
+  return work_list({"Comments", adVarWChar, 200, adFldIsNullable}, comments);
 }
 
 class UIWFListsTest : public ::testing::Test {
@@ -58,196 +94,116 @@ class UIWFListsTest : public ::testing::Test {
     env->provide(progid::Approvals, approvals);
     env->provide(progid::ApprovalReview, review);
     env->provide(progid::ApprovalItems, items);
-    env->provide(progid::Workflow, workflow);
+    env->provide(progid::Requisition, req);
+    ON_CALL(*approvals, Success()).WillByDefault(Return(true));
+    ON_CALL(*review, Success()).WillByDefault(Return(true));
+    ON_CALL(*req, Header()).WillByDefault(Return(std::make_shared<Header>()));
   }
 
   std::shared_ptr<testing::TestEnv> env = testing::TestEnv::make();
   testing::FakeServices fakes = testing::FakeServices::install(*env);
-  std::shared_ptr<BasicSession> session = testing::make_session();
-  std::shared_ptr<testing::FakeApprovals> approvals = std::make_shared<testing::FakeApprovals>();
-  std::shared_ptr<testing::FakeApprovalReview> review =
-      std::make_shared<testing::FakeApprovalReview>();
-  std::shared_ptr<testing::FakeApprovalItems> items = std::make_shared<testing::FakeApprovalItems>();
-  std::shared_ptr<testing::FakeWorkflow> workflow = std::make_shared<testing::FakeWorkflow>();
+  SessionPtr session = testing::make_session();
+  std::shared_ptr<MockApprovals> approvals = std::make_shared<NiceMock<MockApprovals>>();
+  std::shared_ptr<MockApprovalReview> review = std::make_shared<NiceMock<MockApprovalReview>>();
+  std::shared_ptr<MockApprovalItems> items = std::make_shared<NiceMock<MockApprovalItems>>();
+  std::shared_ptr<MockRequisition> req = std::make_shared<NiceMock<MockRequisition>>();
   UIWF ui{env->runtime};
 };
 
 TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
-  approvals->list = approver_list(3);
-  session->time_zone_id = 18;  // three hours ahead of the stored zone
-  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
-  Variant custom = Variant("site");
-  auto page = ui.GetApproverListPage(session, "ReqID DESC", 0, custom);
+  EXPECT_CALL(*approvals, GetApproverList(session, "ReqID DESC", _))
+      .WillOnce(Return(approver_list(3)));
+  auto page = ui.GetApproverListPage(session, "ReqID DESC", 0);
   ASSERT_NE(page, nullptr);
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(approvals->calls, std::vector<std::string>{"GetApproverList(ReqID DESC)"});
-  EXPECT_EQ(approvals->custom_seen.to_string(), "site");
-  EXPECT_EQ(fakes.ini->reads, (std::vector<std::string>{"DateFormat", "Page Size"}));
-  expect_layout(*page, {{"ReqID", adInteger, 0},
-                        {"ReqCreateDate", adDate, 0},
-                        {"ApproveBeginDate", adDate, 0},
-                        {"UIDisplay_ReceivedDate", adVarWChar, 100},
-                        {"UIDisplay_CreateDate", adVarWChar, 100},
-                        {"UIDisplay_PageSize", adInteger, 0},
-                        {"UIDisplay_CurrentPage", adInteger, 0},
-                        {"UIDisplay_TotalRecords", adInteger, 0},
-                        {"UIDisplay_StartRecord", adInteger, 0},
-                        {"UIDisplay_EndRecord", adInteger, 0}});
-  ASSERT_EQ(page->RecordCount(), 3);
-  EXPECT_EQ(page->AbsolutePosition(), 1);
-  // Created 2024-03-02 23:00 in zone 15 is already the 3rd for the user.
-  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value().to_string(), "1033/1/2024-03-03");
-  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value().to_string(), "1033/1/2024-04-02");
-  EXPECT_EQ((*page)["UIDisplay_TotalRecords"].Value().to_int32(), 3);
-}
-
-TEST_F(UIWFListsTest, ListPagesOnlyTakeMinusOneAsTheLastPage) {
-  struct Case {
-    int32_t page;
-    int32_t first_id, rows, current;
-  };
-  const Case cases[] = {
-      {0, 1, 20, 1},   {1, 1, 20, 1},  {2, 21, 20, 2},
-      {-1, 41, 5, 3},  {3, 41, 5, 3},  {9, 41, 5, 3},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.page);
-    approvals->list = approver_list(45);
-    review->list = reviewer_list(std::vector<Variant>(45, Variant("x")));
-    for (auto page : {ui.GetApproverListPage(session, "", c.page),
-                      ui.GetReviewerListPage(session, "", c.page)}) {
-      ASSERT_NE(page, nullptr);
-      EXPECT_EQ(page->RecordCount(), c.rows);
-      EXPECT_EQ((*page)["ReqID"].Value().to_int32(), c.first_id);
-      EXPECT_EQ((*page)["UIDisplay_CurrentPage"].Value().to_int32(), c.current);
-      EXPECT_EQ((*page)["UIDisplay_PageSize"].Value().to_int32(), 20) << "default page size";
-    }
-  }
-  // Another negative page is taken literally and cannot be positioned.
-  approvals->list = approver_list(45);
-  EXPECT_EQ(ui.GetApproverListPage(session, "", -2), nullptr);
-  EXPECT_FALSE(ui.Success());
-  EXPECT_EQ(ui.Error()->Number(), err::kArgumentOutOfRange);
+  EXPECT_EQ(layout_of(*page),
+            "ReqID int, ReqCreateDate date, ApproveBeginDate date, "
+            "UIDisplay_ReceivedDate text100, UIDisplay_CreateDate text100" +
+                kPaging);
+  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value(), Variant("1033/2/2024-03-02"));
+  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value(), Variant("1033/2/2024-04-02"));
 }
 
 TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
-  review->list = reviewer_list({Variant("  needs a quote  "), Variant::null(), Variant(""),
-                                Variant("d\xC3\xA9j\xC3\xA0")});
+  EXPECT_CALL(*review, GetReviewerList(session, "ReqID", _))
+      .WillOnce(Return(reviewer_list(
+          {Variant("  needs a quote  "), Variant::null(), Variant("d\xC3\xA9j\xC3\xA0")})));
   auto page = ui.GetReviewerListPage(session, "ReqID", 0);
   ASSERT_NE(page, nullptr);
-  EXPECT_EQ(review->calls, std::vector<std::string>{"GetReviewerList(ReqID)"});
-  expect_layout(*page, {{"ReqID", adInteger, 0},
-                        {"ReqCreateDate", adDate, 0},
-                        {"Comments", adVarWChar, 200},
-                        {"UIDisplay_CreateDate", adVarWChar, 100},
-                        {"UIDisplay_CommentsLength", adInteger, 0},
-                        {"UIDisplay_PageSize", adInteger, 0},
-                        {"UIDisplay_CurrentPage", adInteger, 0},
-                        {"UIDisplay_TotalRecords", adInteger, 0},
-                        {"UIDisplay_StartRecord", adInteger, 0},
-                        {"UIDisplay_EndRecord", adInteger, 0}});
-  std::vector<Variant> lengths;
+  EXPECT_EQ(layout_of(*page),
+            "ReqID int, ReqCreateDate date, Comments text200, "
+            "UIDisplay_CreateDate text100, UIDisplay_CommentsLength int" +
+                kPaging);
+  std::vector<std::string> lengths;  // Null shown as "Null"
   for (page->MoveFirst(); !page->IsEOF(); page->MoveNext()) {
-    lengths.push_back((*page)["UIDisplay_CommentsLength"].Value());
+    const Variant& v = (*page)["UIDisplay_CommentsLength"].Value();
+    lengths.push_back(v.is_null() ? "Null" : v.to_string());
   }
-  ASSERT_EQ(lengths.size(), 4u);
-  EXPECT_EQ(lengths[0], Variant(int32_t{13}));
-  EXPECT_TRUE(lengths[1].is_null());
-  EXPECT_EQ(lengths[2], Variant(int32_t{0}));
-  EXPECT_EQ(lengths[3], Variant(int32_t{4})) << "characters, not bytes";
-  page->MoveFirst();
-  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value().to_string(), "1033/2/2024-03-05");
+  EXPECT_EQ(lengths, (std::vector<std::string>{"13", "Null", "4"})) << "trimmed, in characters";
+}
+
+TEST_F(UIWFListsTest, ListPagesOnlyTakeMinusOneAsTheLastPage) {
+  ON_CALL(*approvals, GetApproverList).WillByDefault([] { return approver_list(45); });
+  struct Case {
+    int32_t page, first_id, current;
+  } const cases[] = {{0, 1, 1}, {2, 21, 2}, {-1, 41, 3}, {9, 41, 3}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.page);
+    auto page = ui.GetApproverListPage(session, "", c.page);
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ((*page)["ReqID"].Value(), Variant(c.first_id));
+    EXPECT_EQ((*page)["UIDisplay_CurrentPage"].Value(), Variant(c.current));
+  }
+  EXPECT_EQ(ui.GetApproverListPage(session, "", -2), nullptr) << "taken literally";
+  EXPECT_EQ(ui.Error()->Number(), err::kArgumentOutOfRange);
 }
 
 TEST_F(UIWFListsTest, EachListAcceptsOnlyItsOwnResultCode) {
-  struct Case {
-    const char* source;
-    int32_t accepted;
-    std::function<void(int32_t code)> fail_business;
-    std::function<RecordsetPtr()> call;
+  int32_t code = 0;
+  ON_CALL(*approvals, GetApproverList).WillByDefault([] { return approver_list(2); });
+  ON_CALL(*review, GetReviewerList).WillByDefault([] { return reviewer_list({Variant("a")}); });
+  ON_CALL(*review, GetReviewList).WillByDefault([] { return reviewer_list({Variant("a")}); });
+  ON_CALL(*approvals, Success()).WillByDefault(Return(false));
+  ON_CALL(*review, Success()).WillByDefault(Return(false));
+  ON_CALL(*items, Load).WillByDefault(Return(false));
+  ON_CALL(*approvals, ResultCode()).WillByDefault(ReturnPointee(&code));
+  ON_CALL(*review, ResultCode()).WillByDefault(ReturnPointee(&code));
+  ON_CALL(*items, ResultCode()).WillByDefault(ReturnPointee(&code));
+  auto check = [&](const RecordsetPtr& rs, const std::string& source, int32_t accepted) {
+    SCOPED_TRACE(source + " with code " + std::to_string(code));
+    EXPECT_EQ(rs != nullptr, code == accepted);
+    EXPECT_EQ(ui.Success(), code == accepted);
+    if (code == accepted) return;
+    EXPECT_THAT(ui.Error(), ErrorIs(code, source + " Tier"));
   };
-  auto fail = [](auto& fake, int32_t code) {
-    fake->success = false;
-    fake->result_code = code;
-    fake->fail_with(code, "Tier", "nothing for you");
-  };
-  const Case cases[] = {
-      {"UIWF::GetApproverListPage", 5, [&](int32_t code) { fail(approvals, code); },
-       [&] { return ui.GetApproverListPage(session, "", 0); }},
-      {"UIWF::GetReviewerListPage", 7, [&](int32_t code) { fail(review, code); },
-       [&] { return ui.GetReviewerListPage(session, "", 0); }},
-      {"UIWF::GetReviewListRs", 7, [&](int32_t code) { fail(review, code); },
-       [&] { return ui.GetReviewListRs(session, 8); }},
-      {"UIWF::GetApprovalItemsRs", 6,
-       [&](int32_t code) {
-         items->loaded = false;
-         items->result_code = code;
-         items->fail_with(code, "Tier", "nothing for you");
-       },
-       [&] { return ui.GetApprovalItemsRs(session, 8, 1); }},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.source);
-    for (int32_t code : {5, 6, 7, 1}) {
-      approvals->list = approver_list(2);
-      review->list = reviewer_list({Variant("a")});
-      c.fail_business(code);
-      RecordsetPtr rs = c.call();
-      if (code == c.accepted) {
-        EXPECT_NE(rs, nullptr) << code;
-        EXPECT_TRUE(ui.Success()) << code;
-      } else {
-        EXPECT_EQ(rs, nullptr) << code;
-        EXPECT_FALSE(ui.Success()) << code;
-        EXPECT_THAT(ui.Error(), ErrorIs(code, std::string(c.source) + " Tier"));
-      }
-    }
+  for (int32_t c : {5, 6, 7, 1}) {
+    code = c;
+    approvals->fail_with(code, "Tier", "nothing for you");
+    review->fail_with(code, "Tier", "nothing for you");
+    items->fail_with(code, "Tier", "nothing for you");
+    check(ui.GetApproverListPage(session, "", 0), "UIWF::GetApproverListPage", 5);
+    check(ui.GetReviewerListPage(session, "", 0), "UIWF::GetReviewerListPage", 7);
+    check(ui.GetReviewListRs(session, 8), "UIWF::GetReviewListRs", 7);
+    check(ui.GetApprovalItemsRs(session, 8, 1), "UIWF::GetApprovalItemsRs", 6);
   }
 }
 
-TEST_F(UIWFListsTest, NoListIsAnEmptyAnswerNotAFailure) {
-  approvals->list = nullptr;
-  EXPECT_EQ(ui.GetApproverListPage(session, "", 0), nullptr);
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(fakes.ini->reads, std::vector<std::string>{"DateFormat"}) << "no page size needed";
-
-  approvals->list = approver_list(0);
-  auto empty = ui.GetApproverListPage(session, "", 3);
-  ASSERT_NE(empty, nullptr);
-  EXPECT_EQ(empty->RecordCount(), 0);
-}
-
-TEST_F(UIWFListsTest, ApprovalItemsAreLineNumbersInCollectionOrder) {
-  items->line_nums = {3, 1, 7};
-  auto rs = ui.GetApprovalItemsRs(session, 8, 2);
+TEST_F(UIWFListsTest, HeaderWithoutASequenceLeavesTheApprovalColumnsEmpty) {
+  EXPECT_CALL(*req, Load(session, 8, false, _)).WillOnce(Return(true)).WillOnce(Return(false));
+  auto rs = ui.GetHeaderRs(session, 8);
   ASSERT_NE(rs, nullptr);
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(items->calls, std::vector<std::string>{"Load(8,2)"});
-  expect_layout(*rs, {{"LineNum", adInteger, 0}});
-  EXPECT_EQ(rs->CursorLocation(), adUseClient);
-  EXPECT_EQ(rs->AbsolutePosition(), 3) << "left on the last row added";
-  std::vector<int32_t> seen;
-  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) seen.push_back(rs->value(0).to_int32());
-  EXPECT_EQ(seen, (std::vector<int32_t>{3, 1, 7}));
-}
+  EXPECT_EQ(layout_of(*rs),
+            "ReqBorgName text100, ReqName text100, RequisitionerName text100, CreateDate text100, "
+            "Justification text256, ApprovalTypeDesc text100, ApprovalStatusID text100, "
+            "ReceiveDate text100, ApproverID int");
+  std::vector<Variant> row;
+  for (int32_t i = 0; i < rs->GetFields().Count(); ++i) row.push_back(rs->value(i));
+  EXPECT_EQ(row, (std::vector<Variant>{Variant("Finance"), Variant("Laptops"), Variant("Ann Lee"),
+                                       Variant("1033/2/2024-03-05"), Variant("Three new hires"),
+                                       Variant(), Variant(), Variant(), Variant()}));
 
-TEST_F(UIWFListsTest, ReviewListAndSearchResultsComeBackUnchanged) {
-  review->list = reviewer_list({Variant("a")});
-  Variant custom = Variant(int32_t{5});
-  EXPECT_EQ(ui.GetReviewListRs(session, 8, 0, custom), review->list);
-  EXPECT_EQ(ui.GetReviewListRs(session, 8, 12), review->list);
-  EXPECT_EQ(review->calls, (std::vector<std::string>{"GetReviewList(8,0)", "GetReviewList(8,12)"}));
-
-  workflow->search_results = make_recordset({{"SysUserID", adInteger, 0, adFldUnspecified}});
-  EXPECT_EQ(ui.GetApproverSearchResultsRs(session, 8, "Lee", "al"), workflow->search_results);
-  EXPECT_TRUE(ui.Success());
-  EXPECT_EQ(workflow->calls.back(), "GetApproverSearchResults(8,Lee,al)");
-
-  workflow->success = false;
-  workflow->fail_with(17, "Workflow", "search failed");
-  EXPECT_EQ(ui.GetApproverSearchResultsRs(session, 8, "Lee", "al"), nullptr);
-  EXPECT_FALSE(ui.Success());
-  EXPECT_THAT(ui.Error(), ErrorIs(17, "UIWF::GetApproverSearchResultsRs Workflow"));
+  req->fail_with(31, "Requisition", "locked by Bo");
+  EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
+  EXPECT_THAT(ui.Error(), ErrorIs(31, "UIReq::GetHeaderRs Requisition"));
 }
 
 }  // namespace
