@@ -120,4 +120,15 @@ std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressPar
   }
 }
 
+RecordsetPtr display_list_page(const Runtime& rt, AppIni& ini, const SessionPtr& session,
+                               Variant& custom_data, Recordset& source, int32_t page,
+                               int32_t date_style, std::span<const DisplayColumn> columns,
+                               const ListPageOptions& options) {
+  const int32_t page_size = read_page_size(ini, session, custom_data, options.default_page_size);
+  const PagingWindow window =
+      compute_paging_window(source.RecordCount(), page_size, page, options.past_end);
+  DisplayContext ctx(rt, require(session), date_style);
+  return rebuild_for_display(source, columns, ctx, window);
+}
+
 }  // namespace kxui

@@ -16,6 +16,7 @@
 #include "kxui/frame/runtime.h"
 #include "kxui/frame/services.h"
 #include "kxui/frame/session.h"
+#include "kxui/frame/settings.h"
 
 namespace kxui {
 
@@ -81,6 +82,21 @@ DisplayColumn computed_display(std::string name, DataTypeEnum type, int32_t defi
 RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColumn> columns,
                                  DisplayContext& ctx,
                                  const std::optional<PagingWindow>& paging = std::nullopt);
+
+// How a list page reads and applies the paging rule.
+struct ListPageOptions {
+  int32_t default_page_size = kDefaultPageSize;  // when "Page Size" cannot be read
+  PastEnd past_end = PastEnd::kAnyNegative;
+};
+
+// The glue of every list page, in this order: "Page Size" through `ini`, the paging
+// window over `source`, then the user's display context (locale and zone read from the
+// session, which must be set) and the rebuild of that window with `columns` and the
+// paging columns.
+RecordsetPtr display_list_page(const Runtime& rt, AppIni& ini, const SessionPtr& session,
+                               Variant& custom_data, Recordset& source, int32_t page,
+                               int32_t date_style, std::span<const DisplayColumn> columns,
+                               const ListPageOptions& options = {});
 
 // FormatAddress: the address lines laid out for the locale by the address-formatting
 // object, each kept line trimmed and followed by "\r\n"; blank lines are skipped, so an

@@ -97,6 +97,17 @@ class Facade : public virtual Object {
   [[noreturn]] static void raise_business_error(const std::shared_ptr<ErrorSource>& obj) {
     raise_business_error(*obj);
   }
+  // The business-call pattern: a call that answered False (or a Success() that reads
+  // False) raises the object's own error. Use as `check(*req, req->Save(...))`.
+  template <class T>
+  static void check(T& obj, bool ok) {
+    if (!ok) raise_business_error(obj);
+  }
+  template <class T>
+  static void check(const std::shared_ptr<T>& obj, bool ok) {
+    if (!ok) raise_business_error(*obj);
+  }
+
   // Raises a validation failure: number 0x80040000 + message number, empty source, the
   // text from GetMessageText (the English text when the error object cannot give one).
   [[noreturn]] void raise_validation(const SessionPtr& session, const msg::Message& m);

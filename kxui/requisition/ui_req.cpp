@@ -29,15 +29,12 @@ RecordsetPtr UIReq::GetListPage(const SessionPtr& p_Session, const std::string& 
     if (!req->Success()) raise_business_error(*req);
     Recordset& source = require(list);
 
-    const Session& session = require(p_Session);
+    require(p_Session);
     auto ini = create<AppIni>(progid::AppIni);
     const int32_t date_style = read_date_style(*ini, p_Session, *p_CustomData);
-    const int32_t page_size = read_page_size(*ini, p_Session, *p_CustomData);
-    const PagingWindow window = compute_paging_window(source.RecordCount(), page_size, p_lPage);
-
-    DisplayContext ctx(runtime(), session, date_style);
     const DisplayColumn columns[] = {date_display("CreateDate"), date_display("SubmitDate")};
-    return rebuild_for_display(source, columns, ctx, window);
+    return display_list_page(runtime(), *ini, p_Session, *p_CustomData, source, p_lPage,
+                             date_style, columns);
   });
 }
 

@@ -35,11 +35,8 @@ DisplayColumn comments_length() {
 RecordsetPtr display_page(const Runtime& rt, AppIni& ini, const SessionPtr& session,
                           Recordset& list, int32_t page, int32_t date_style, Variant& custom_data,
                           const std::vector<DisplayColumn>& columns) {
-  const int32_t page_size = read_page_size(ini, session, custom_data);
-  const PagingWindow window =
-      compute_paging_window(list.RecordCount(), page_size, page, PastEnd::kMinusOne);
-  DisplayContext ctx(rt, require(session), date_style);
-  return rebuild_for_display(list, columns, ctx, window);
+  return display_list_page(rt, ini, session, custom_data, list, page, date_style, columns,
+                           {.past_end = PastEnd::kMinusOne});
 }
 
 }  // namespace
