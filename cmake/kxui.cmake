@@ -1,5 +1,7 @@
 # Helpers that keep every CMakeLists short.
 set(KXUI_WARNINGS -Wall -Wextra -Wpedantic)
+# Installed headers keep their kxui/... and services/... paths under one folder of their own.
+set(KXUI_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/KxUI03)
 
 # kxui_sources(VAR DIR...): the non-test sources of the given folders.
 function(kxui_sources out)

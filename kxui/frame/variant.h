@@ -79,7 +79,7 @@ class Array {
   // 9 Subscript out of range for a dimension that does not exist (dimensions are 1-based).
   int32_t lbound(int32_t dim = 1) const;
   int32_t ubound(int32_t dim = 1) const;
-  size_t size() const { return data_.size(); }
+  size_t size() const;
 
   // 9 when an index is outside its bounds.
   Variant& at(int32_t i);
@@ -199,6 +199,9 @@ class Variant {
                                kxui::Currency, kxui::Date, std::string, ObjectPtr, ArrayBox>;
   Storage v_;
 };
+
+// Defined here, once Variant is complete: std::vector<Variant>::size needs it.
+inline size_t Array::size() const { return data_.size(); }
 
 // Conversion helpers the façades call.
 namespace conv {

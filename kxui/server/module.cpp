@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kxui/frame/facade.h"
+#include "kxui/frame/failure.h"
 #include "kxui/server/registration.h"
 
 namespace kxui::server {
@@ -19,6 +20,8 @@ class RuntimeClassObject final : public ClassObject {
     try {
       out = Runtime::process()->Create(name_);
       return kS_OK;
+    } catch (const kxui::Failure& f) {
+      return hresult_of(f.number());
     } catch (const std::bad_alloc&) {
       return kE_OUTOFMEMORY;
     } catch (...) {

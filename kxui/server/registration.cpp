@@ -1,6 +1,5 @@
 #include "kxui/server/registration.h"
 
-#include <functional>
 #include <memory>
 
 #include "kxui/attach/ui_attach.h"
@@ -25,39 +24,47 @@ namespace kxui::server {
 namespace {
 
 template <class T>
-Runtime::Creator creator_of(const std::shared_ptr<Runtime>& rt) {
-  // A weak reference: the registry lives in the runtime, which must not own itself.
-  std::weak_ptr<Runtime> weak = rt;
-  return [weak]() -> ObjectPtr {
-    auto runtime = weak.lock();
-    if (!runtime) return nullptr;
-    return std::make_shared<T>(runtime);
-  };
+ObjectPtr make(std::shared_ptr<Runtime> rt) {
+  return std::make_shared<T>(std::move(rt));
 }
+
+// A new class: its header above and one line here.
+constexpr ServedClass kClasses[] = {
+    {"KxUI03.UIWF", &make<UIWF>},
+    {"KxUI03.UIUtility", &make<UIUtility>},
+    {"KxUI03.UITools", &make<UITools>},
+    {"KxUI03.UIAttach", &make<UIAttach>},
+    {"KxUI03.UIRcv", &make<UIRcv>},
+    {"KxUI03.UIReq", &make<UIReq>},
+    {"KxUI03.UISearch", &make<UISearch>},
+    {"KxUI03.UISF", &make<UISF>},
+    {"KxUI03.UIReport", &make<UIReport>},
+    {"KxUI03.UIPO", &make<UIPO>},
+    {"KxUI03.UILang", &make<UILang>},
+    {"KxUI03.UICat", &make<UICat>},
+    {"KxUI03.UISession", &make<UISession>},
+    {"KxUI03.UICom", &make<UICom>},
+    {"KxUI03.UILangExt", &make<UILangExt>},
+    {"KxUI03.UIReconPO", &make<UIReconPO>},
+};
 
 }  // namespace
 
+std::span<const ServedClass> served_classes() noexcept { return kClasses; }
+
 void register_classes(const std::shared_ptr<Runtime>& rt) {
-  rt->Register("KxUI03.UIWF", creator_of<UIWF>(rt));
-  rt->Register("KxUI03.UIUtility", creator_of<UIUtility>(rt));
-  rt->Register("KxUI03.UITools", creator_of<UITools>(rt));
-  rt->Register("KxUI03.UIAttach", creator_of<UIAttach>(rt));
-  rt->Register("KxUI03.UIRcv", creator_of<UIRcv>(rt));
-  rt->Register("KxUI03.UIReq", creator_of<UIReq>(rt));
-  rt->Register("KxUI03.UISearch", creator_of<UISearch>(rt));
-  rt->Register("KxUI03.UISF", creator_of<UISF>(rt));
-  rt->Register("KxUI03.UIReport", creator_of<UIReport>(rt));
-  rt->Register("KxUI03.UIPO", creator_of<UIPO>(rt));
-  rt->Register("KxUI03.UILang", creator_of<UILang>(rt));
-  rt->Register("KxUI03.UICat", creator_of<UICat>(rt));
-  rt->Register("KxUI03.UISession", creator_of<UISession>(rt));
-  rt->Register("KxUI03.UICom", creator_of<UICom>(rt));
-  rt->Register("KxUI03.UILangExt", creator_of<UILangExt>(rt));
-  rt->Register("KxUI03.UIReconPO", creator_of<UIReconPO>(rt));
+  // A weak reference: the registry lives in the runtime, which must not own itself.
+  std::weak_ptr<Runtime> weak = rt;
+  for (const ServedClass& c : kClasses) {
+    rt->Register(c.name, [weak, make = c.make]() -> ObjectPtr {
+      auto runtime = weak.lock();
+      return runtime ? make(std::move(runtime)) : nullptr;
+    });
+  }
 }
 
 void unregister_classes(Runtime& rt) {
-  for (std::string_view name : kClassNames) rt.Unregister(name);
+  for (const ServedClass& c : kClasses) rt.Unregister(c.name);
 }
 
 }  // namespace kxui::server

@@ -1,0 +1,22 @@
+# cmake -DMODULE=<libKxUI03.so> -DNM=<nm> -DEXPECTED=<module.map> -P check_exports.cmake
+# Fails unless the module's defined dynamic symbols are exactly the map's global names.
+execute_process(COMMAND ${NM} -D --defined-only ${MODULE}
+                OUTPUT_VARIABLE out RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "${NM} failed on ${MODULE}")
+endif()
+string(REGEX MATCHALL "[0-9a-fA-F]+ [A-Za-z] [^\n]+" lines "${out}")
+set(actual)
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "^[0-9a-fA-F]+ [A-Za-z] " "" name "${line}")
+  list(APPEND actual ${name})
+endforeach()
+file(READ ${EXPECTED} map)
+string(REGEX REPLACE ".*global:(.*)local:.*" "\\1" global "${map}")
+string(REGEX MATCHALL "[A-Za-z_][A-Za-z0-9_]*" names "${global}")
+list(SORT actual)
+list(SORT names)
+if(NOT actual STREQUAL names)
+  message(FATAL_ERROR "module exports:\n  ${actual}\nexpected:\n  ${names}")
+endif()
+message(STATUS "module exports: ${actual}")
