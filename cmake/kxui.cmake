@@ -3,11 +3,11 @@ set(KXUI_WARNINGS -Wall -Wextra -Wpedantic)
 # Installed headers keep their kxui/... and services/... paths under one folder of their own.
 set(KXUI_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/KxUI03)
 
-# kxui_sources(VAR DIR...): the non-test sources of the given folders.
+# kxui_sources(VAR DIR...): the non-test sources of the given folders and their subfolders.
 function(kxui_sources out)
   set(result)
   foreach(dir IN LISTS ARGN)
-    file(GLOB srcs CONFIGURE_DEPENDS ${dir}/*.cpp)
+    file(GLOB_RECURSE srcs CONFIGURE_DEPENDS ${dir}/*.cpp)
     list(FILTER srcs EXCLUDE REGEX "_test\\.cpp$")
     list(APPEND result ${srcs})
   endforeach()
