@@ -30,10 +30,11 @@ bool UICat::DebugMode() noexcept {
 }
 
 void UICat::SetDebugMode(bool value) noexcept {
-  guarded("UICat::DebugMode", true, [&] {
+  try {
     require(part_search_).SetDebugMode(value);
-    return true;
-  });
+  } catch (...) {
+    record_current_failure("UICat::DebugMode");
+  }
 }
 
 std::string UICat::LastQueryString() noexcept {

@@ -77,7 +77,7 @@ TEST_F(UICatTest, ACatalogObjectThatCannotBeCreatedIsRecordedAndFailsEveryCall) 
                               "", 0) != nullptr;
        }},
       {"UICat::LastQueryString ", [&] { return !cat.LastQueryString().empty(); }},
-      {"UICat::DebugMode ", [&] { return cat.SetDebugMode(true), cat.DebugMode(); }},
+      {"UICat::DebugMode ", [&] { return cat.DebugMode(); }},
   };
   for (const auto& [source, call] : cases) {
     SCOPED_TRACE(source);
@@ -103,6 +103,9 @@ TEST_F(UICatTest, DebugModeAndLastQueryStringAreTheKeptSearchesOwn) {
   EXPECT_CALL(*search, DebugMode).WillOnce(Throw(Failure(6, "PartSearch", "")));
   EXPECT_FALSE(ui->DebugMode());
   EXPECT_THAT(ui->Error(), ErrorIs(6, "UICat::DebugMode PartSearch"));
+  EXPECT_CALL(*search, SetDebugMode).WillOnce(Throw(Failure(7, "PartSearch", "")));
+  ui->SetDebugMode(true);
+  EXPECT_THAT(ui->Error(), ErrorIs(7, "UICat::DebugMode PartSearch"));
 }
 
 TEST_F(UICatTest, GetChildPassesItsArgumentsAndDefaultsAndStoresCountThenSuccess) {

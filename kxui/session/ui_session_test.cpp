@@ -2,12 +2,29 @@
 // locks.
 #include "kxui/session/ui_session.h"
 
+#include <cstdlib>
 #include <functional>
+#include <new>
 
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
 #include "kxui/business/requisition.h"
 #include "kxui/testing/test_runtime.h"
+
+// Out of memory on request: the next allocation of this thread fails.
+thread_local bool fail_next_allocation = false;
+
+void* operator new(std::size_t size) {
+  if (fail_next_allocation) {
+    fail_next_allocation = false;
+    throw std::bad_alloc();
+  }
+  if (void* p = std::malloc(size ? size : 1)) return p;
+  throw std::bad_alloc();
+}
+// Kept out of line: inlined next to a new-expression, free() looks mismatched to GCC.
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace kxui {
 namespace {
@@ -64,14 +81,16 @@ TEST_F(UISessionTest, CreatesItsErrorObjectThenTheSessionThenTheSecurityObject) 
 }
 
 TEST_F(UISessionTest, ACreationFailureIsRecordedAndStopsTheCreation) {
-  // What is missing, and what the hub then holds.
+  // What fails, and what the hub then holds.
   const std::tuple<const char*, bool, bool> cases[] = {
+      {"KxUtility03.KxError", true, true},
       {"KxUtility03.KxSession", false, false},
       {business::security_class::kSecurity, true, false},
   };
   for (const auto& [missing, has_session, has_security] : cases) {
     SCOPED_TRACE(missing);
-    env->runtime->Unregister(missing);
+    env->fail_error_creation = std::string_view(missing) == progid::KxError;
+    if (!env->fail_error_creation) env->runtime->Unregister(missing);
     UISession broken(env->runtime);
     EXPECT_EQ(broken.Error()->Number(), 429);
     EXPECT_THAT(broken.Error()->Source(), StartsWith("UISession::Class_Initialize "));
@@ -83,31 +102,35 @@ TEST_F(UISessionTest, ACreationFailureIsRecordedAndStopsTheCreation) {
 
 // Every façade property: created on first read with the hub's runtime (its error object
 // comes from the hub's runtime), then the same instance on every read.
+// The façade properties, by name.
+using Read = std::function<std::shared_ptr<Facade>(UISession&)>;
+const std::pair<const char*, Read> kFacades[] = {
+    {"Attach", [](UISession& h) { return h.Attach(); }},
+    {"Cat", [](UISession& h) { return h.Cat(); }},
+    {"Com", [](UISession& h) { return h.Com(); }},
+    {"Lang", [](UISession& h) { return h.Lang(); }},
+    {"PO", [](UISession& h) { return h.PO(); }},
+    {"Rcv", [](UISession& h) { return h.Rcv(); }},
+    {"ReconPO", [](UISession& h) { return h.ReconPO(); }},
+    {"Report", [](UISession& h) { return h.Report(); }},
+    {"Req", [](UISession& h) { return h.Req(); }},
+    {"Search", [](UISession& h) { return h.Search(); }},
+    {"SF", [](UISession& h) { return h.SF(); }},
+    {"Tools", [](UISession& h) { return h.Tools(); }},
+    {"Utility", [](UISession& h) { return h.Utility(); }},
+    {"WF", [](UISession& h) { return h.WF(); }},
+};
+
+// Created on first read with the hub's runtime (its error object comes from the hub's
+// runtime), then the same instance on every read; class UI + the property's name.
 TEST_F(UISessionTest, FacadePropertiesCreateOnFirstReadAndKeepTheInstance) {
-  using Read = std::function<std::shared_ptr<Facade>(UISession&)>;
-  const std::pair<const char*, Read> cases[] = {
-      {"UIAttach", [](UISession& h) { return h.Attach(); }},
-      {"UICat", [](UISession& h) { return h.Cat(); }},
-      {"UICom", [](UISession& h) { return h.Com(); }},
-      {"UILang", [](UISession& h) { return h.Lang(); }},
-      {"UIPO", [](UISession& h) { return h.PO(); }},
-      {"UIRcv", [](UISession& h) { return h.Rcv(); }},
-      {"UIReconPO", [](UISession& h) { return h.ReconPO(); }},
-      {"UIReport", [](UISession& h) { return h.Report(); }},
-      {"UIReq", [](UISession& h) { return h.Req(); }},
-      {"UISearch", [](UISession& h) { return h.Search(); }},
-      {"UISF", [](UISession& h) { return h.SF(); }},
-      {"UITools", [](UISession& h) { return h.Tools(); }},
-      {"UIUtility", [](UISession& h) { return h.Utility(); }},
-      {"UIWF", [](UISession& h) { return h.WF(); }},
-  };
   EXPECT_EQ(env->error_infos.size(), 1u) << "no façade before it is asked for";
   std::vector<std::weak_ptr<Facade>> made;
-  for (const auto& [name, read] : cases) {
+  for (const auto& [name, read] : kFacades) {
     SCOPED_TRACE(name);
     auto first = read(*hub);
     ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first->class_name(), name);
+    EXPECT_EQ(first->class_name(), std::string("UI") + name);
     EXPECT_EQ(first->Error(), env->last_error()) << "created with the hub's runtime";
     const size_t errors = env->error_infos.size();
     EXPECT_EQ(read(*hub), first);
@@ -117,6 +140,16 @@ TEST_F(UISessionTest, FacadePropertiesCreateOnFirstReadAndKeepTheInstance) {
   EXPECT_EQ(hub->Error()->Number(), 0);
   hub.reset();
   for (const auto& w : made) EXPECT_TRUE(w.expired()) << "released with the hub";
+}
+
+TEST_F(UISessionTest, AFacadeThatCannotBeCreatedIsRecordedAndTriedAgain) {
+  for (const auto& [name, read] : kFacades) {
+    SCOPED_TRACE(name);
+    fail_next_allocation = true;
+    EXPECT_EQ(read(*hub), nullptr);
+    EXPECT_THAT(hub->Error(), ErrorIs(7, std::string("UISession::") + name + " "));
+    EXPECT_NE(read(*hub), nullptr);
+  }
 }
 
 TEST_F(UISessionTest, AKeptFacadesErrorStaysVisibleThroughTheHub) {
