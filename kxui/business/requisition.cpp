@@ -56,4 +56,6 @@ bool Requisition::CancelRequisition(S, int32_t, Variant&) { unsupported("CancelR
 bool Requisition::DeleteRequisition(S, int32_t, Variant&) { unsupported("DeleteRequisition"); }
 bool Requisition::MarkAsTemplate(S, int32_t, int32_t, Variant&) { unsupported("MarkAsTemplate"); }
 
+bool Requisition::ReleaseSessionLocks(S, Variant&) { unsupported("ReleaseSessionLocks"); }
+
 }  // namespace kxui::business

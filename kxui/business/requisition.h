@@ -122,6 +122,12 @@ class Requisition : public virtual BusinessObject {
   // Marks a requisition as a template of `template_type`.
   virtual bool MarkAsTemplate(const SessionPtr& session, int32_t req_id, int32_t template_type,
                               Variant& custom_data);
+
+  // --- Session --------------------------------------------------------------------
+
+  // Releases every requisition lock the session holds, when the user's session ends
+  // (the session hub's call; ReleaseLocks is the requisition page's).
+  virtual bool ReleaseSessionLocks(const SessionPtr& session, Variant& custom_data);
 };
 
 }  // namespace kxui::business
