@@ -1,5 +1,4 @@
 // UIRcv: the receipt entry form's header, with its dates split into numeric parts.
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -22,14 +21,12 @@ Date in_user_zone(DisplayContext& ctx, Date stored) {
   return ctx.dates().ConvertTimeZone(kServerTimeZone, stored, ctx.time_zone_id());
 }
 
-// "<prefix>Month", "<prefix>Day" (no leading zeros, 2 wide) and "<prefix>Year" (four
-// digits, 4 wide) of `date`.
+// "<prefix>Month", "<prefix>Day" (no leading zeros, 2 wide) and "<prefix>Year" (4 wide)
+// of `date`; stored dates have four-digit years.
 void add_date_parts(std::vector<DisplayColumn>& columns, const std::string& prefix, Date date) {
-  char year[16];
-  std::snprintf(year, sizeof year, "%04d", date.year());
   columns.push_back(detail::fixed_text_display(prefix + "Month", 2, std::to_string(date.month())));
   columns.push_back(detail::fixed_text_display(prefix + "Day", 2, std::to_string(date.day())));
-  columns.push_back(detail::fixed_text_display(prefix + "Year", 4, year));
+  columns.push_back(detail::fixed_text_display(prefix + "Year", 4, std::to_string(date.year())));
 }
 
 }  // namespace
