@@ -104,6 +104,23 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
   return target;
 }
 
+RecordsetPtr rebuild_row_for_display(Recordset& source, std::span<const DisplayColumn> columns,
+                                     DisplayContext& ctx) {
+  RecordsetPtr target = CloneRecordsetStructure(source);
+  for (const DisplayColumn& c : columns) {
+    target->GetFields().Append(c.name, c.type, c.defined_size, adFldUnspecified);
+  }
+  target->Open();
+  target->AddNew();
+  const int32_t width = source.GetFields().Count();
+  for (int32_t i = 0; i < width; ++i) target->set_value(i, source.value(i));
+  int32_t col = width;
+  for (const DisplayColumn& c : columns) target->set_value(col++, c.bind(source, ctx)(source));
+  target->Update();
+  target->MoveFirst();
+  return target;
+}
+
 std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressParts& parts) {
   try {
     auto formatter = create_as<AddressFormatter>(rt, service_class::kAddressFormatter);

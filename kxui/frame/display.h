@@ -83,6 +83,11 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
                                  DisplayContext& ctx,
                                  const std::optional<PagingWindow>& paging = std::nullopt);
 
+// Rebuilds only the row `source` is positioned on, for forms that show one record. There
+// is no test for an empty source: with no current row the first field read fails (3021).
+RecordsetPtr rebuild_row_for_display(Recordset& source, std::span<const DisplayColumn> columns,
+                                     DisplayContext& ctx);
+
 // How a list page reads and applies the paging rule.
 struct ListPageOptions {
   int32_t default_page_size = kDefaultPageSize;  // when "Page Size" cannot be read
