@@ -123,12 +123,16 @@ TEST_F(UIComAccountTest, GetBorgUserFillsTheCallersRecordset) {
   Variant holder(rs);
   ASSERT_TRUE(ui.GetBorgUser(s, holder)) << ui.Error()->Description();
   ASSERT_EQ(rs->GetFields().Count(), 5);
-  const std::pair<std::string, DataTypeEnum> columns[] = {
-      {"BillToID", adInteger},   {"ShipToID", adInteger},      {"CostCenterID", adInteger},
-      {"SpendingLimit", adVarWChar}, {"ApprovalLimit", adVarWChar}};
+  const FieldInfo columns[] = {{"BillToID", adInteger},
+                               {"ShipToID", adInteger},
+                               {"CostCenterID", adInteger},
+                               {"SpendingLimit", adVarWChar, 100},
+                               {"ApprovalLimit", adVarWChar, 100}};
   for (int32_t i = 0; i < 5; ++i) {
-    EXPECT_EQ(rs->GetFields().info(i).name, columns[i].first);
-    EXPECT_EQ(rs->GetFields().info(i).type, columns[i].second);
+    const FieldInfo& f = rs->GetFields().info(i);
+    EXPECT_EQ(f.name, columns[i].name);
+    EXPECT_EQ(f.type, columns[i].type);
+    EXPECT_EQ(f.defined_size, columns[i].defined_size);
   }
   EXPECT_EQ(rs->RecordCount(), 1);
   const std::vector<Variant> row = {rs->value(0), rs->value(1), rs->value(2), rs->value(3),
