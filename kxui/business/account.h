@@ -37,8 +37,7 @@ class UserPaymentMethod : public virtual BusinessObject {
  public:
   virtual RecordsetPtr GetDataBySysUserID(const SessionPtr& session, int32_t sys_user_id,
                                           Variant& custom_data) = 0;
-  virtual RecordsetPtr GetDataBySysUserIDPayMethID(const SessionPtr& session,
-                                                   int32_t sys_user_id,
+  virtual RecordsetPtr GetDataBySysUserIDPayMethID(const SessionPtr& session, int32_t sys_user_id,
                                                    int32_t payment_method_id,
                                                    Variant& custom_data) = 0;
   // Stores a card's expiration and its priority among the user's methods. False (the

@@ -34,17 +34,17 @@ class UICom : public Facade {
   // (GetUserBorgList does not ask the object for one).
 
   RecordsetPtr GetBillToList(const SessionPtr& p_Session, int32_t p_BorgID,
-                             ByRef<Variant> p_CustomData = {}) noexcept;       // "KxCom03.BillTo"
+                             ByRef<Variant> p_CustomData = {}) noexcept;  // "KxCom03.BillTo"
   RecordsetPtr GetShipToList(const SessionPtr& p_Session, int32_t p_BorgID,
-                             ByRef<Variant> p_CustomData = {}) noexcept;       // "KxCom03.ShipTo"
+                             ByRef<Variant> p_CustomData = {}) noexcept;  // "KxCom03.ShipTo"
   // The top level of the commodity tree, filtered to the user's commodities.
   RecordsetPtr GetCommodityList(const SessionPtr& p_Session,
-                                ByRef<Variant> p_CustomData = {}) noexcept;    // "KxCat03.Commodity"
+                                ByRef<Variant> p_CustomData = {}) noexcept;  // "KxCat03.Commodity"
   RecordsetPtr GetCurrencyList(const SessionPtr& p_Session,
                                ByRef<Variant> p_CustomData = {}) noexcept;
   RecordsetPtr GetMfrList(const SessionPtr& p_Session, ByRef<Variant> p_CustomData = {}) noexcept;
   RecordsetPtr GetSupplierList(const SessionPtr& p_Session,
-                               ByRef<Variant> p_CustomData = {}) noexcept;     // "KxCom03.Borg"
+                               ByRef<Variant> p_CustomData = {}) noexcept;  // "KxCom03.Borg"
   RecordsetPtr GetUOMList(const SessionPtr& p_Session, ByRef<Variant> p_CustomData = {}) noexcept;
   RecordsetPtr GetPaymentMethodList(const SessionPtr& p_Session, int32_t p_SupplierID,
                                     int32_t p_SysUserID, ByRef<Variant> p_CustomData = {}) noexcept;
@@ -171,8 +171,7 @@ class UICom : public Facade {
  private:
   // A business list passed through; Success() is asked where T has it.
   template <class T, class Call>
-  RecordsetPtr plain_list(std::string_view source, std::string_view progid,
-                          Call&& call) noexcept;
+  RecordsetPtr plain_list(std::string_view source, std::string_view progid, Call&& call) noexcept;
   // A list stored in `out`; True when it has a row.
   template <class T, class Call>
   bool filled_list(std::string_view source, std::string_view progid, RecordsetPtr& out,

@@ -47,10 +47,10 @@ bool UICom::GetBorgUser(const SessionPtr& p_Session, ByRef<Variant> rsBorgUser,
     auto money = create_direct<CurrencyFormatter>(service_class::kCurrencyFormatter);
     const int32_t locale_id = session.LocaleID();
     const std::string currency = session.CurrencyCode();
-    rs->set_value(3, Variant(money->FormatCurrencyAmount(locale_id, currency,
-                                                         record->SpendingLimit())));
-    rs->set_value(4, Variant(money->FormatCurrencyAmount(locale_id, currency,
-                                                         record->ApprovalLimit())));
+    rs->set_value(
+        3, Variant(money->FormatCurrencyAmount(locale_id, currency, record->SpendingLimit())));
+    rs->set_value(
+        4, Variant(money->FormatCurrencyAmount(locale_id, currency, record->ApprovalLimit())));
     rs->Update();
     return true;
   });

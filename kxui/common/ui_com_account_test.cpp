@@ -173,10 +173,9 @@ TEST_F(UIComAccountTest, SetUserPreferencesWritesTheOrganisationUserThenTheUser)
   }
   int32_t bill = 11, ship = 12, cost = 13, zone = 14, locale = 1036;
   EXPECT_TRUE(ui.SetUserPreferences(s, bill, ship, cost, zone, locale));
-  EXPECT_EQ(borg_user->calls,
-            (Names{"setEboID(4)", "setBorgID(5)", "setSysUserID(6)", "setSysUserIDBU(6)",
-                   "fetch(5,6)", "setBillToID(11)", "setShipToID(12)", "setCostCenterID(13)",
-                   "Update()"}));
+  EXPECT_EQ(borg_user->calls, (Names{"setEboID(4)", "setBorgID(5)", "setSysUserID(6)",
+                                     "setSysUserIDBU(6)", "fetch(5,6)", "setBillToID(11)",
+                                     "setShipToID(12)", "setCostCenterID(13)", "Update()"}));
   EXPECT_EQ((std::vector<int32_t>{bill, ship, cost, zone, locale}),
             (std::vector<int32_t>{11, 12, 13, 14, 1036}));
   EXPECT_THAT(env->created, Contains("direct:KxAdminBusObj03.BorgUser"));
@@ -262,8 +261,8 @@ TEST_F(UIComAccountTest, GetUserTimeZone) {
   env->runtime->Unregister(kUser);
   EXPECT_FALSE(ui.GetUserTimeZone(4, 6, zone));
   EXPECT_EQ(zone, 0) << "no user record: no zone";
-  EXPECT_THAT(ui.Error(), ErrorIs(err::kCannotCreateObject,
-                                  "UICom::GetUserTimeZone KxAdminBusObj03.User"));
+  EXPECT_THAT(ui.Error(),
+              ErrorIs(err::kCannotCreateObject, "UICom::GetUserTimeZone KxAdminBusObj03.User"));
   EXPECT_EQ(env->log->written.size(), 2u);
 }
 

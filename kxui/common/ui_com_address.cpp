@@ -31,7 +31,8 @@ RecordsetPtr UICom::address_data(std::string_view source, std::string_view progi
     rs->Open();
     rs->AddNew();
     rs->set_value(0, Variant(obj->ID()));
-    rs->set_value(1, Variant(FormatAddress(runtime(), require(session).LocaleID(), obj->Address())));
+    rs->set_value(1,
+                  Variant(FormatAddress(runtime(), require(session).LocaleID(), obj->Address())));
     rs->set_value(2, Variant(obj->ContactName()));
     rs->set_value(3, Variant(obj->Telephone()));
     rs->set_value(4, Variant(obj->Email()));
@@ -45,14 +46,14 @@ RecordsetPtr UICom::address_data(std::string_view source, std::string_view progi
 
 RecordsetPtr UICom::GetBillToData(const SessionPtr& p_Session, int32_t p_BillToID,
                                   ByRef<Variant> p_CustomData) noexcept {
-  return address_data<business::BillTo>("UICom::GetBillToData", progid::BillTo, "BillTo",
-                                        p_Session, p_BillToID, *p_CustomData);
+  return address_data<business::BillTo>("UICom::GetBillToData", progid::BillTo, "BillTo", p_Session,
+                                        p_BillToID, *p_CustomData);
 }
 
 RecordsetPtr UICom::GetShipToData(const SessionPtr& p_Session, int32_t p_ShipToID,
                                   ByRef<Variant> p_CustomData) noexcept {
-  return address_data<business::ShipTo>("UICom::GetShipToData", progid::ShipTo, "ShipTo",
-                                        p_Session, p_ShipToID, *p_CustomData);
+  return address_data<business::ShipTo>("UICom::GetShipToData", progid::ShipTo, "ShipTo", p_Session,
+                                        p_ShipToID, *p_CustomData);
 }
 
 }  // namespace kxui

@@ -63,8 +63,7 @@ bool UICom::GetHomeDate(const SessionPtr& p_objSession, ByRef<std::string> p_sHo
     const Date now = dates->ConvertTimeZone(kServerTimeZone, server_now, session.TimeZoneID());
     auto ini = create<AppIni>(progid::AppIni);
     const int32_t style = read_date_style(*ini, p_objSession, *p_CustomData);
-    *p_sHomeDate = dates->FormatDateValue(session.LocaleID(), style,
-                                          conv::date_part(Variant(now)));
+    *p_sHomeDate = dates->FormatDateValue(session.LocaleID(), style, conv::date_part(Variant(now)));
     return true;
   });
 }

@@ -61,9 +61,8 @@ RecordsetPtr UICom::GetCurrencyList(const SessionPtr& p_Session,
 }
 
 RecordsetPtr UICom::GetMfrList(const SessionPtr& p_Session, ByRef<Variant> p_CustomData) noexcept {
-  return plain_list<business::Mfr>("UICom::GetMfrList", progid::Mfr, [&](auto& o) {
-    return o.GetMfrList(p_Session, *p_CustomData);
-  });
+  return plain_list<business::Mfr>("UICom::GetMfrList", progid::Mfr,
+                                   [&](auto& o) { return o.GetMfrList(p_Session, *p_CustomData); });
 }
 
 RecordsetPtr UICom::GetSupplierList(const SessionPtr& p_Session,
@@ -74,9 +73,8 @@ RecordsetPtr UICom::GetSupplierList(const SessionPtr& p_Session,
 }
 
 RecordsetPtr UICom::GetUOMList(const SessionPtr& p_Session, ByRef<Variant> p_CustomData) noexcept {
-  return plain_list<business::UOM>("UICom::GetUOMList", progid::UOM, [&](auto& o) {
-    return o.GetUOMList(p_Session, *p_CustomData);
-  });
+  return plain_list<business::UOM>("UICom::GetUOMList", progid::UOM,
+                                   [&](auto& o) { return o.GetUOMList(p_Session, *p_CustomData); });
 }
 
 RecordsetPtr UICom::GetPaymentMethodList(const SessionPtr& p_Session, int32_t p_SupplierID,
@@ -104,9 +102,9 @@ RecordsetPtr UICom::GetReceiptItemStatusList(const SessionPtr& p_Session,
 
 RecordsetPtr UICom::GetUserBorgList(const SessionPtr& p_objSession,
                                     ByRef<Variant> p_CustomData) noexcept {
-  return plain_list<business::SysUser>(
-      "UICom::GetUserBorgList", progid::SysUser,
-      [&](auto& o) { return o.GetUserBorgList(p_objSession, *p_CustomData); });
+  return plain_list<business::SysUser>("UICom::GetUserBorgList", progid::SysUser, [&](auto& o) {
+    return o.GetUserBorgList(p_objSession, *p_CustomData);
+  });
 }
 
 bool UICom::GetLocaleList(const SessionPtr& p_Session, ByRef<RecordsetPtr> rsLocales,

@@ -271,11 +271,13 @@ TEST_F(UIComListsTest, AddressRecordsHoldOneFormattedRow) {
   EXPECT_CALL(*bill_to, Load(s, 12, Ref(custom))).WillOnce(Return(true));
   EXPECT_CALL(*ship_to, Load(s, 13, Ref(custom))).WillOnce(Return(true));
 
-  const std::vector<Variant> values = {
-      Variant(9.0),           Variant("1 Main St\r\nLeeds LS1 4AP\r\n"),
-      Variant("Ann Lee"),     Variant("0113 496 0000"),
-      Variant(std::string(80, 'e')), Variant("0113 496 0001"),
-      Variant(std::string(35, 'L'))};
+  const std::vector<Variant> values = {Variant(9.0),
+                                       Variant("1 Main St\r\nLeeds LS1 4AP\r\n"),
+                                       Variant("Ann Lee"),
+                                       Variant("0113 496 0000"),
+                                       Variant(std::string(80, 'e')),
+                                       Variant("0113 496 0001"),
+                                       Variant(std::string(35, 'L'))};
   auto bill = ui.GetBillToData(s, 12, custom);
   ASSERT_NE(bill, nullptr) << ui.Error()->Description();
   EXPECT_EQ(layout_of(*bill),

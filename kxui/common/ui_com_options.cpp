@@ -10,12 +10,12 @@ using detail::OptionForm;
 using detail::OptionList;
 
 namespace {
-constexpr OptionList kCommodities{OptionForm::kQuoted, "CommodityID", "Description", {},
-                                  {"CommodityID"}};
-constexpr OptionList kCurrencies{OptionForm::kQuoted, "CurrencyCode", "CurrencyCode",
-                                 "CurrencyName", {"CurrencyCode"}};
-constexpr OptionList kBorgCurrencies{OptionForm::kUnquoted, "CurrencyCode", "CurrencyCode",
-                                     "CurrencyName", {"CurrencyCode"}};
+constexpr OptionList kCommodities{
+    OptionForm::kQuoted, "CommodityID", "Description", {}, {"CommodityID"}};
+constexpr OptionList kCurrencies{
+    OptionForm::kQuoted, "CurrencyCode", "CurrencyCode", "CurrencyName", {"CurrencyCode"}};
+constexpr OptionList kBorgCurrencies{
+    OptionForm::kUnquoted, "CurrencyCode", "CurrencyCode", "CurrencyName", {"CurrencyCode"}};
 constexpr OptionList kMfrs{OptionForm::kQuoted, "Name", "Name", {}, {"Name", "MfrID"}};
 constexpr OptionList kSuppliers{OptionForm::kUnquoted, "SupplierID", "Name", {}, {"SupplierID"}};
 constexpr OptionList kUnits{OptionForm::kQuoted, "UOMID", "UOMID", "VeltrixDesc", {"UOMID"}};
@@ -62,26 +62,24 @@ bool UICom::GetCurrencyListByBorg(const SessionPtr& p_Session, ByRef<std::string
 
 bool UICom::GetMfrList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                         const std::string& p_Selected, ByRef<Variant> p_CustomData) noexcept {
-  return option_list<business::Mfr>("UICom::GetMfrList2", progid::Mfr, *p_RetVal, kMfrs,
-                                    detail::text_key(p_Selected), [&](auto& o) {
-                                      return o.GetMfrList(p_Session, *p_CustomData);
-                                    });
+  return option_list<business::Mfr>(
+      "UICom::GetMfrList2", progid::Mfr, *p_RetVal, kMfrs, detail::text_key(p_Selected),
+      [&](auto& o) { return o.GetMfrList(p_Session, *p_CustomData); });
 }
 
 bool UICom::GetSupplierList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                              int32_t p_Selected, ByRef<Variant> p_CustomData) noexcept {
-  return option_list<business::Borg>(
-      "UICom::GetSupplierList2", progid::Borg, *p_RetVal, kSuppliers,
-      detail::number_key(p_Selected),
-      [&](auto& o) { return o.GetSupplierList(p_Session, *p_CustomData); });
+  return option_list<business::Borg>("UICom::GetSupplierList2", progid::Borg, *p_RetVal, kSuppliers,
+                                     detail::number_key(p_Selected), [&](auto& o) {
+                                       return o.GetSupplierList(p_Session, *p_CustomData);
+                                     });
 }
 
 bool UICom::GetUOMList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                         const std::string& p_Selected, ByRef<Variant> p_CustomData) noexcept {
-  return option_list<business::UOM>("UICom::GetUOMList2", progid::UOM, *p_RetVal, kUnits,
-                                    detail::text_key(p_Selected), [&](auto& o) {
-                                      return o.GetUOMDescList(p_Session, *p_CustomData);
-                                    });
+  return option_list<business::UOM>(
+      "UICom::GetUOMList2", progid::UOM, *p_RetVal, kUnits, detail::text_key(p_Selected),
+      [&](auto& o) { return o.GetUOMDescList(p_Session, *p_CustomData); });
 }
 
 }  // namespace kxui

@@ -22,18 +22,18 @@ const Variant kNull = Variant::null();
 constexpr int32_t kNullable = adFldIsNullable;
 
 RecordsetPtr commodities(const Rows& rows) {
-  return make_recordset({{"CommodityID", adInteger, 0, kNullable},
-                         {"Description", adVarWChar, 100, kNullable}},
-                        rows);
+  return make_recordset(
+      {{"CommodityID", adInteger, 0, kNullable}, {"Description", adVarWChar, 100, kNullable}},
+      rows);
 }
 RecordsetPtr currencies(const Rows& rows) {
-  return make_recordset({{"CurrencyCode", adVarWChar, 10, kNullable},
-                         {"CurrencyName", adVarWChar, 50, kNullable}},
-                        rows);
+  return make_recordset(
+      {{"CurrencyCode", adVarWChar, 10, kNullable}, {"CurrencyName", adVarWChar, 50, kNullable}},
+      rows);
 }
 RecordsetPtr mfrs(const Rows& rows) {
-  return make_recordset(
-      {{"MfrID", adInteger, 0, kNullable}, {"Name", adVarWChar, 100, kNullable}}, rows);
+  return make_recordset({{"MfrID", adInteger, 0, kNullable}, {"Name", adVarWChar, 100, kNullable}},
+                        rows);
 }
 RecordsetPtr suppliers(const Rows& rows) {
   return make_recordset(
@@ -44,8 +44,7 @@ RecordsetPtr units(const Rows& rows) {
   Rows swapped;
   for (const auto& row : rows) swapped.push_back({row.at(1), row.at(0)});
   return make_recordset(
-      {{"VeltrixDesc", adVarWChar, 100, kNullable}, {"UOMID", adVarWChar, 10, kNullable}},
-      swapped);
+      {{"VeltrixDesc", adVarWChar, 100, kNullable}, {"UOMID", adVarWChar, 10, kNullable}}, swapped);
 }
 // A list the business tier left on its last row.
 RecordsetPtr at_last(RecordsetPtr rs) {
@@ -62,7 +61,7 @@ class UIComOptionsTest : public Test {
     env->provide(progid::Borg, borg);
     env->provide(progid::UOM, uom);
     for (auto* obj : std::initializer_list<FakeBusinessObject*>{commodity.get(), currency.get(),
-                                                                 mfr.get(), borg.get(), uom.get()}) {
+                                                                mfr.get(), borg.get(), uom.get()}) {
       obj->fail_with(80, "Tier", "list refused");
     }
     ON_CALL(*commodity, Success()).WillByDefault(Return(true));
@@ -143,8 +142,8 @@ TEST_F(UIComOptionsTest, GoldenMarkup) {
     Variant selected;
     std::string expected;
   } const cases[] = {
-      {"GetCommodityList2", commodities({{Variant(5), Variant("Paper")}, {Variant(7), Variant("Toner")}}),
-       Variant("7"),
+      {"GetCommodityList2",
+       commodities({{Variant(5), Variant("Paper")}, {Variant(7), Variant("Toner")}}), Variant("7"),
        R"(<OPTION VALUE="5">Paper</OPTION><OPTION Selected VALUE="7">Toner</OPTION>)"},
       {"GetCurrencyList2",
        currencies({{Variant("USD"), Variant("US Dollar")}, {Variant("EUR"), kNull}}),
@@ -156,7 +155,8 @@ TEST_F(UIComOptionsTest, GoldenMarkup) {
        "<OPTION VALUE=US D>US D-Odd</OPTION><OPTION Selected VALUE=GBP>GBP-Pound</OPTION>"},
       // Several rows match: each is selected; the manufacturer's ID selects too.
       {"GetMfrList2",
-       mfrs({{Variant(1), Variant("Acme")}, {Variant(2), Variant("Bolt")},
+       mfrs({{Variant(1), Variant("Acme")},
+             {Variant(2), Variant("Bolt")},
              {Variant(3), Variant("Acme")}}),
        Variant("Acme"),
        R"(<OPTION Selected VALUE="Acme">Acme</OPTION><OPTION VALUE="Bolt">Bolt</OPTION>)"
@@ -169,8 +169,9 @@ TEST_F(UIComOptionsTest, GoldenMarkup) {
       // Null keys never match, not even the omitted selection's 0.
       {"GetSupplierList2",
        suppliers({{Variant(10), Variant("A")}, {Variant(11), kNull}, {kNull, Variant("C")}}),
-       Variant(11), "<OPTION VALUE=10>A</OPTION><OPTION Selected VALUE=11></OPTION>"
-                    "<OPTION VALUE=>C</OPTION>"},
+       Variant(11),
+       "<OPTION VALUE=10>A</OPTION><OPTION Selected VALUE=11></OPTION>"
+       "<OPTION VALUE=>C</OPTION>"},
       {"GetSupplierList2", suppliers({{Variant(0), Variant("Zero")}, {kNull, Variant("N")}}),
        Variant::missing(), "<OPTION Selected VALUE=0>Zero</OPTION><OPTION VALUE=>N</OPTION>"},
       {"GetCommodityList2", commodities({{kNull, Variant("Loose")}}), Variant(""),
@@ -178,10 +179,11 @@ TEST_F(UIComOptionsTest, GoldenMarkup) {
       {"GetUOMList2", units({{Variant("EA"), Variant("Each")}, {Variant("BX"), Variant("Box")}}),
        Variant("bx"), R"(<OPTION VALUE="EA">EA-Each</OPTION><OPTION VALUE="BX">BX-Box</OPTION>)"},
       {"GetUOMList2", at_last(units({{Variant("EA"), Variant("Each")}, {Variant("BX"), kNull}})),
-       Variant("EA"), R"(<OPTION Selected VALUE="EA">EA-Each</OPTION><OPTION VALUE="BX">BX-</OPTION>)"},
+       Variant("EA"),
+       R"(<OPTION Selected VALUE="EA">EA-Each</OPTION><OPTION VALUE="BX">BX-</OPTION>)"},
       // Omitted: nothing equals the empty text.
-      {"GetCurrencyList2", currencies({{Variant("USD"), Variant("US Dollar")}}),
-       Variant::missing(), R"(<OPTION VALUE="USD">USD-US Dollar</OPTION>)"},
+      {"GetCurrencyList2", currencies({{Variant("USD"), Variant("US Dollar")}}), Variant::missing(),
+       R"(<OPTION VALUE="USD">USD-US Dollar</OPTION>)"},
       {"GetCurrencyListByBorg", currencies({{Variant("USD"), Variant("US Dollar")}}),
        Variant::missing(), "<OPTION VALUE=USD>USD-US Dollar</OPTION>"},
       {"GetCommodityList2", commodities({{Variant(5), Variant("Paper")}}), Variant::missing(),

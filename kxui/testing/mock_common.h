@@ -22,15 +22,15 @@ namespace kxui::testing {
 using S = const SessionPtr&;
 using Str = const std::string&;
 
-#define KXUI_ADDRESS_RECORD_MOCKS                                    \
-  MOCK_METHOD(bool, Load, (S, int32_t, Variant&), (override));      \
-  MOCK_METHOD(double, ID, (), (override));                          \
-  MOCK_METHOD(AddressParts, Address, (), (override));               \
-  MOCK_METHOD(std::string, ContactName, (), (override));            \
-  MOCK_METHOD(std::string, Telephone, (), (override));              \
-  MOCK_METHOD(std::string, Email, (), (override));                  \
-  MOCK_METHOD(std::string, Fax, (), (override));                    \
-  MOCK_METHOD(std::string, ContactLocation, (), (override));        \
+#define KXUI_ADDRESS_RECORD_MOCKS                              \
+  MOCK_METHOD(bool, Load, (S, int32_t, Variant&), (override)); \
+  MOCK_METHOD(double, ID, (), (override));                     \
+  MOCK_METHOD(AddressParts, Address, (), (override));          \
+  MOCK_METHOD(std::string, ContactName, (), (override));       \
+  MOCK_METHOD(std::string, Telephone, (), (override));         \
+  MOCK_METHOD(std::string, Email, (), (override));             \
+  MOCK_METHOD(std::string, Fax, (), (override));               \
+  MOCK_METHOD(std::string, ContactLocation, (), (override));   \
   MOCK_METHOD(bool, Success, (), (override))
 
 class MockBillTo : public business::BillTo, public FakeBusinessObject {
@@ -50,8 +50,8 @@ class MockShipTo : public business::ShipTo, public FakeBusinessObject {
 
 class MockCommodity : public business::Commodity, public FakeBusinessObject {
  public:
-  MOCK_METHOD(RecordsetPtr, GetChildren, (S, int32_t, int32_t, int32_t, bool, bool, int32_t, Variant&),
-              (override));
+  MOCK_METHOD(RecordsetPtr, GetChildren,
+              (S, int32_t, int32_t, int32_t, bool, bool, int32_t, Variant&), (override));
   MOCK_METHOD(RecordsetPtr, GetCommodityPath, (S, int32_t, int32_t, int32_t, Variant&), (override));
   MOCK_METHOD(int32_t, RecordCount, (), (override));
   MOCK_METHOD(bool, Success, (), (override));
