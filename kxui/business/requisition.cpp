@@ -56,4 +56,11 @@ bool Requisition::CancelRequisition(S, int32_t, Variant&) { unsupported("CancelR
 bool Requisition::DeleteRequisition(S, int32_t, Variant&) { unsupported("DeleteRequisition"); }
 bool Requisition::MarkAsTemplate(S, int32_t, int32_t, Variant&) { unsupported("MarkAsTemplate"); }
 
+// --- Quick check ---
+std::vector<Requisition::QuickCheckLine> Requisition::QuickCheckLines() {
+  unsupported("QuickCheckLines");
+}
+std::string Requisition::ReqCurrencyCode() { unsupported("ReqCurrencyCode"); }
+void Requisition::SetQuickCheckPrice(int32_t, Currency) { unsupported("SetQuickCheckPrice"); }
+
 }  // namespace kxui::business
