@@ -127,6 +127,13 @@ const char* const kItemColumns =
     "UIDisplay_DeliverByDate text100, UIDisplay_POStatusDate text100, "
     "UIDisplay_OrderQty text100";
 
+TEST_F(UIPOTest, CreationFailureIsRecordedUnderItsClass) {
+  env->runtime->Unregister(progid::KxError);
+  UIPO other(env->runtime);
+  EXPECT_EQ(other.Error()->Source().rfind("UIPO::Class_Initialize ", 0), 0u)
+      << other.Error()->Source();
+}
+
 TEST_F(UIPOTest, ItemsRsFormatsEveryLineInItsCurrency) {
   EXPECT_CALL(*utils, GetServerDate(SessionPtr(session), _));
   EXPECT_CALL(*po, GetPOItems(SessionPtr(session), 12, 3, _))

@@ -86,6 +86,7 @@ TEST_F(UIReconPOTest, CreationFailureIsRecordedUnderTheWorkflowClass) {
   UIReconPO other(env->runtime);
   EXPECT_EQ(other.Error()->Source().rfind("UIWF::Class_Initialize ", 0), 0u)
       << other.Error()->Source();
+  EXPECT_EQ(other.class_name(), "UIReconPO") << "the name it is registered and logged under";
 }
 
 TEST_F(UIReconPOTest, AddAltItemBuildsTheLineFromTheChosenRow) {

@@ -122,6 +122,13 @@ class UIToolsTest : public ::testing::Test {
   UITools ui{env->runtime};
 };
 
+TEST_F(UIToolsTest, CreationFailureIsRecordedUnderItsClass) {
+  env->runtime->Unregister(progid::KxError);
+  UITools other(env->runtime);
+  EXPECT_EQ(other.Error()->Source().rfind("UITools::Class_Initialize ", 0), 0u)
+      << other.Error()->Source();
+}
+
 TEST_F(UIToolsTest, FormatNumber) {
   session->locale_id = 1031;
   EXPECT_EQ(ui.FormatNumber(session, 2.5), "2.5@1031");
@@ -305,10 +312,41 @@ TEST_F(UIToolsTest, QuickCheckWithoutAnAnswerStoresNothing) {
   EXPECT_EQ(error()->Number(), 0);
   EXPECT_TRUE(lines->items[0]->unit_price.is_empty());
 
-  order->fail_with(kBusinessError, "ReconcileOrder", "order is locked");
-  EXPECT_CALL(*order, LoadOrder).WillOnce(Return(false));
-  EXPECT_FALSE(ui.QuickCheck(session, doc_type, doc_id));
-  EXPECT_THAT(error(), ErrorIs(kBusinessError, "UITools::QuickCheck "));
+}
+
+// Each business object that cannot do its part stops the check with its own error.
+TEST_F(UIToolsTest, QuickCheckBusinessFailures) {
+  lines->items.push_back(std::make_shared<testing::FakeReconcileItem>());
+  struct Case {
+    const char* name;
+    std::function<void()> arrange;
+    const char* description;
+  } const cases[] = {
+      {"order not loaded", [&] { EXPECT_CALL(*order, LoadOrder).WillOnce(Return(false)); },
+       "order"},
+      {"PO not loaded", [&] { EXPECT_CALL(*po, LoadPO).WillOnce(Return(false)); }, "po"},
+      {"lines not loaded", [&] { lines->load_result = false; }, "lines"},
+      {"order not saved", [&] {
+         answer(true, {{1, 1}});
+         EXPECT_CALL(*order, SaveOrder).WillOnce(Return(false));
+       }, "order"},
+  };
+  order->fail_with(kBusinessError, "ReconcileOrder", "order");
+  po->fail_with(kBusinessError, "PurchaseOrder", "po");
+  lines->fail_with(kBusinessError, "ReconcileItems", "lines");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    lines->load_result = true;
+    c.arrange();
+    std::string doc_type = "PO";
+    int32_t doc_id = 8;
+    EXPECT_FALSE(ui.QuickCheck(session, doc_type, doc_id));
+    EXPECT_THAT(error(), ErrorIs(kBusinessError, "UITools::QuickCheck "));
+    EXPECT_EQ(error()->Description(), c.description);
+    Mock::VerifyAndClearExpectations(order.get());
+    Mock::VerifyAndClearExpectations(po.get());
+  }
+  EXPECT_EQ(lines->loaded, (std::vector<int32_t>{8, 8}));
 }
 
 std::vector<Line> three_lines() {
