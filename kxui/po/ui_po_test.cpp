@@ -240,6 +240,17 @@ TEST_F(UIPOTest, BusinessFailureKeepsItsNumberAndDescriptionButNotItsSource) {
   EXPECT_EQ(error()->Description(), "PO is locked");
 }
 
+// A business object that reports a failure without an error object of its own.
+TEST_F(UIPOTest, BusinessFailureWithoutAnErrorObjectIsObjectNotSet) {
+  struct Silent : testing::MockPurchaseOrder {
+    ErrorInfoPtr GetError() override { return nullptr; }
+  };
+  auto silent = std::make_shared<NiceMock<Silent>>();
+  env->provide(progid::PurchaseOrder, silent);
+  EXPECT_FALSE(ui.DeletePO(session, 4));
+  EXPECT_THAT(error(), ErrorIs(err::kObjectNotSet, "UIPO::DeletePO "));
+}
+
 TEST_F(UIPOTest, ListPagePassesFiltersInTheBusinessOrderAndPages) {
   EXPECT_CALL(*po, GetPOList(SessionPtr(session), Variant("ann"), Variant("Finance"), "PO-9",
                              Variant("PONum"), Variant("1,2"), _))
