@@ -58,4 +58,11 @@ bool Requisition::MarkAsTemplate(S, int32_t, int32_t, Variant&) { unsupported("M
 
 bool Requisition::ReleaseSessionLocks(S, Variant&) { unsupported("ReleaseSessionLocks"); }
 
+// Quick check
+std::vector<Requisition::QuickCheckLine> Requisition::QuickCheckLines() {
+  unsupported("QuickCheckLines");
+}
+std::string Requisition::ReqCurrencyCode() { unsupported("ReqCurrencyCode"); }
+void Requisition::SetQuickCheckPrice(int32_t, Currency) { unsupported("SetQuickCheckPrice"); }
+
 }  // namespace kxui::business

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kxui/business/business_object.h"
 #include "kxui/business/requisition_line_item.h"
@@ -128,6 +129,26 @@ class Requisition : public virtual BusinessObject {
   // Releases every requisition lock the session holds, when the user's session ends
   // (the session hub's call; ReleaseLocks is the requisition page's).
   virtual bool ReleaseSessionLocks(const SessionPtr& session, Variant& custom_data);
+
+  // --- Quick check ----------------------------------------------------------------
+
+  // What a supplier is asked about one line of the loaded requisition.
+  struct QuickCheckLine {
+    int32_t line_num = 0;
+    int32_t supplier_id = 0;
+    std::string supplier_part_num;
+    std::string supplier_part_num_ext;
+    std::string uom_id;
+    double order_qty = 0;
+    std::string supplier_currency_code;  // the currency the supplier prices in
+  };
+  // The lines of the loaded requisition, in item order.
+  virtual std::vector<QuickCheckLine> QuickCheckLines();
+  // The currency of the loaded requisition.
+  virtual std::string ReqCurrencyCode();
+  // Stores a supplier's price as both the unit and the actual unit price of line
+  // `index` (0-based, in the order of QuickCheckLines); kept by Save.
+  virtual void SetQuickCheckPrice(int32_t index, Currency price);
 };
 
 }  // namespace kxui::business
