@@ -56,4 +56,12 @@ bool Requisition::CancelRequisition(S, int32_t, Variant&) { unsupported("CancelR
 bool Requisition::DeleteRequisition(S, int32_t, Variant&) { unsupported("DeleteRequisition"); }
 bool Requisition::MarkAsTemplate(S, int32_t, int32_t, Variant&) { unsupported("MarkAsTemplate"); }
 
+// --- Cart ---
+RecordsetPtr Requisition::GetItems(S, int32_t, Variant&) { unsupported("GetItems"); }
+RecordsetPtr Requisition::GetItem(S, int32_t, int32_t, Variant&) { unsupported("GetItem"); }
+bool Requisition::UpdateItemQty(S, int32_t, int32_t, double, Variant&) {
+  unsupported("UpdateItemQty");
+}
+bool Requisition::DeleteItem(S, int32_t, int32_t, Variant&) { unsupported("DeleteItem"); }
+
 }  // namespace kxui::business

@@ -122,6 +122,23 @@ class Requisition : public virtual BusinessObject {
   // Marks a requisition as a template of `template_type`.
   virtual bool MarkAsTemplate(const SessionPtr& session, int32_t req_id, int32_t template_type,
                               Variant& custom_data);
+
+  // --- Cart ---
+
+  // The lines of a requisition, one row per line, with at least "LineNum", "OrderQty"
+  // (a number), "UnitPrice" (money, Null when the line has no price yet) and
+  // "CurrencyCode" (the price's currency). Answers through Success().
+  virtual RecordsetPtr GetItems(const SessionPtr& session, int32_t req_id, Variant& custom_data);
+  // One line of a requisition as one row with the columns of GetItems. Answers through
+  // Success().
+  virtual RecordsetPtr GetItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                               Variant& custom_data);
+  // Sets the quantity of an existing line (already rounded to four decimals).
+  virtual bool UpdateItemQty(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                             double qty, Variant& custom_data);
+  // Removes a line from a requisition.
+  virtual bool DeleteItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                          Variant& custom_data);
 };
 
 }  // namespace kxui::business
