@@ -27,11 +27,16 @@ UIAttach::UIAttach(std::shared_ptr<Runtime> runtime) : Facade("UIAttach", std::m
 
 UIAttach::Owner UIAttach::owner_for(const SessionPtr& session, int32_t option, int32_t line_num) {
   switch (option) {
-    case 1: return {create<business::Attachment>(progid::ReqAttachment), 0};
-    case 2: return {create<business::Attachment>(progid::ReqItemAttachment), line_num};
-    case 3: return {create<business::Attachment>(progid::POAttachment), 0};
-    case 4: return {create<business::Attachment>(progid::POItemAttachment), line_num};
-    default: raise_validation(session, msg::kInvalidAttachmentOption);
+    case 1:
+      return {create<business::Attachment>(progid::ReqAttachment), 0};
+    case 2:
+      return {create<business::Attachment>(progid::ReqItemAttachment), line_num};
+    case 3:
+      return {create<business::Attachment>(progid::POAttachment), 0};
+    case 4:
+      return {create<business::Attachment>(progid::POItemAttachment), line_num};
+    default:
+      raise_validation(session, msg::kInvalidAttachmentOption);
   }
 }
 
@@ -94,8 +99,8 @@ bool UIAttach::GetAttachment(const SessionPtr& p_Session, int32_t p_iOption, int
   return guarded("UIAttach::GetAttachment", false, [&] {
     const Owner owner = owner_for(p_Session, p_iOption, p_lLineNum);
     std::string name, content;
-    check(owner.files, owner.files->GetAttachment(p_Session, p_lID, owner.line_num,
-                                                  p_lAttachmentID, name, content, *p_CustomData));
+    check(owner.files, owner.files->GetAttachment(p_Session, p_lID, owner.line_num, p_lAttachmentID,
+                                                  name, content, *p_CustomData));
     *p_sFileName = Variant(std::move(name));
     *p_FileContent = Variant(std::move(content));
     return true;

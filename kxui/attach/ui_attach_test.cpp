@@ -58,7 +58,8 @@ TEST_F(UIAttachTest, TheOptionChoosesTheObjectAndTheLineNumber) {
     Variant custom = Variant("ctx");
     const auto list = kxui::testing::make_recordset(
         {{"AttachmentID", adInteger}, {"FileSize", adInteger}, {"DateAttached", adDate}},
-        {{Variant(int32_t{3}), Variant(int32_t{2048}), Variant(Date::from_civil(2024, 5, 1, 23, 0, 0))}});
+        {{Variant(int32_t{3}), Variant(int32_t{2048}),
+          Variant(Date::from_civil(2024, 5, 1, 23, 0, 0))}});
     EXPECT_CALL(f, GetAttachmentList(Eq(session), 12, line, Ref(custom))).WillOnce(Return(list));
     EXPECT_CALL(f, AddAttachment(Eq(session), 12, line, "quote.pdf", std::string("%PDF\0x", 6), _,
                                  Ref(custom)))
@@ -75,8 +76,8 @@ TEST_F(UIAttachTest, TheOptionChoosesTheObjectAndTheLineNumber) {
     EXPECT_EQ((*rs)["UIDisplay_FileSize"].Value(), Variant("2048@1033"));
 
     Variant id;
-    EXPECT_TRUE(ui.AddAttachment(session, option, 12, 5, "quote.pdf", std::string("%PDF\0x", 6),
-                                 id, custom));
+    EXPECT_TRUE(ui.AddAttachment(session, option, 12, 5, "quote.pdf", std::string("%PDF\0x", 6), id,
+                                 custom));
     EXPECT_EQ(id, Variant(int32_t{31}));
     Variant name, content;
     EXPECT_TRUE(ui.GetAttachment(session, option, 12, 5, 31, name, content, custom));
@@ -117,12 +118,23 @@ TEST_F(UIAttachTest, AnOptionOutsideOneToFourIsRefusedByEveryOperation) {
 
 TEST_F(UIAttachTest, AddAttachmentRefusesNamesThatAreEmptyOrCarryAPath) {
   const std::pair<std::string, int32_t> cases[] = {
-      {"", 11651},           {"   ", 11651},         {"../secret.txt", 11652},
-      {"..\\boot.ini", 11652}, {"a/b.txt", 11652},     {"dir\\b.txt", 11652},
-      {"c:boot.ini", 11652}, {"..", 11652},          {".", 11652},
-      {"a..b", 11652},       {"line\nbreak.txt", 11652}, {std::string("nul\0.txt", 8), 11652},
-      {"tab\t.txt", 11652},  {"quote.pdf", 0},       {"Résumé 2024.docx", 0},
-      {".profile", 0},       {" spaced .txt", 0},
+      {"", 11651},
+      {"   ", 11651},
+      {"../secret.txt", 11652},
+      {"..\\boot.ini", 11652},
+      {"a/b.txt", 11652},
+      {"dir\\b.txt", 11652},
+      {"c:boot.ini", 11652},
+      {"..", 11652},
+      {".", 11652},
+      {"a..b", 11652},
+      {"line\nbreak.txt", 11652},
+      {std::string("nul\0.txt", 8), 11652},
+      {"tab\t.txt", 11652},
+      {"quote.pdf", 0},
+      {"Résumé 2024.docx", 0},
+      {".profile", 0},
+      {" spaced .txt", 0},
   };
   for (const auto& [name, message] : cases) {
     SCOPED_TRACE(name);
@@ -150,9 +162,14 @@ TEST_F(UIAttachTest, AddAttachmentRefusesFilesOverTheConfiguredSize) {
   };
   const int32_t mb10 = 10 * 1024 * 1024;
   const Case cases[] = {
-      {"10", 10, 0},       {"10", 11, validation(11653)}, {"10", 0, 0},
-      {"0", 0, 0},         {"0", 1, validation(11653)},   {"-1", 0, validation(11653)},
-      {{}, size_t(mb10), 0}, {{}, size_t(mb10) + 1, validation(11653)},
+      {"10", 10, 0},
+      {"10", 11, validation(11653)},
+      {"10", 0, 0},
+      {"0", 0, 0},
+      {"0", 1, validation(11653)},
+      {"-1", 0, validation(11653)},
+      {{}, size_t(mb10), 0},
+      {{}, size_t(mb10) + 1, validation(11653)},
       {"ten", 1, 13},
   };
   for (const Case& c : cases) {
@@ -161,7 +178,8 @@ TEST_F(UIAttachTest, AddAttachmentRefusesFilesOverTheConfiguredSize) {
     if (c.setting) fakes.ini->set("Max Attachment Size", "Attachments", "Dunmere", *c.setting);
     const std::string content(c.size, 'z');
     if (c.error == 0) {
-      EXPECT_CALL(*files[0], AddAttachment(_, 12, 0, "a.bin", content, _, _)).WillOnce(Return(true));
+      EXPECT_CALL(*files[0], AddAttachment(_, 12, 0, "a.bin", content, _, _))
+          .WillOnce(Return(true));
       EXPECT_TRUE(add(1, "a.bin", content)) << ui.Error()->Description();
     } else {
       EXPECT_CALL(*files[0], AddAttachment).Times(0);

@@ -30,8 +30,8 @@ class Attachment : public virtual BusinessObject {
                              int32_t& attachment_id, Variant& custom_data) = 0;
   // One file of an owner; out: its name and bytes. False when the owner has no such file.
   virtual bool GetAttachment(const SessionPtr& session, int32_t owner_id, int32_t line_num,
-                             int32_t attachment_id, std::string& file_name,
-                             std::string& content, Variant& custom_data) = 0;
+                             int32_t attachment_id, std::string& file_name, std::string& content,
+                             Variant& custom_data) = 0;
   // Removes one file of an owner.
   virtual bool DeleteAttachment(const SessionPtr& session, int32_t owner_id, int32_t line_num,
                                 int32_t attachment_id, Variant& custom_data) = 0;

@@ -24,13 +24,12 @@ class ReqCostDistribs : public virtual BusinessObject {
  public:
   // The shares of a line, one row per cost centre, with at least "CostCenterID" and
   // "Percentage" (a number). Answers through Success().
-  virtual RecordsetPtr GetCostDistribs(const SessionPtr& session, int32_t req_id,
-                                       int32_t line_num, Variant& custom_data) = 0;
+  virtual RecordsetPtr GetCostDistribs(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                                       Variant& custom_data) = 0;
   // Replaces every share of a line with `distribs` (empty: the line is charged as its
   // requisition is, without a split).
   virtual bool SaveCostDistribs(const SessionPtr& session, int32_t req_id, int32_t line_num,
-                                const std::vector<CostDistrib>& distribs,
-                                Variant& custom_data) = 0;
+                                const std::vector<CostDistrib>& distribs, Variant& custom_data) = 0;
   virtual bool Success() = 0;
 };
 

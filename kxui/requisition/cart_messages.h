@@ -7,8 +7,9 @@
 namespace kxui::msg {
 
 inline constexpr Message kCostDistribPercentInvalid{
-    11670, "Cost distribution percentage is an invalid number. It must be greater than 0 and "
-           "not more than 100."};
+    11670,
+    "Cost distribution percentage is an invalid number. It must be greater than 0 and "
+    "not more than 100."};
 inline constexpr Message kCostDistribTotalInvalid{
     11671, "Cost distribution percentages must add up to 100."};
 

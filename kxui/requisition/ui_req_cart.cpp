@@ -108,8 +108,8 @@ std::vector<DisplayColumn> cart_columns(const std::shared_ptr<PriceConverter>& p
                        [prices](const Recordset& src, DisplayContext& ctx) -> RowFiller {
                          prices->bind(src);
                          return [prices, &ctx](const Recordset& row) {
-                           return Variant(ctx.money_text(prices->unit_price(row),
-                                                         prices->currency()));
+                           return Variant(
+                               ctx.money_text(prices->unit_price(row), prices->currency()));
                          };
                        }),
       computed_display(
@@ -201,16 +201,16 @@ RecordsetPtr UIReq::GetFavoritesListPage(const SessionPtr& p_Session, int32_t p_
     Recordset& source = require(list);
     require(p_Session);
     auto ini = create<AppIni>(progid::AppIni);
-    const DisplayColumn columns[] = {computed_display(
-        "UIDisplay_UnitPrice", adVarWChar, 100,
-        [](const Recordset& src, DisplayContext& ctx) -> RowFiller {
-          const int32_t price = src.GetFields().index_of("UnitPrice");
-          const int32_t currency = src.GetFields().index_of("CurrencyCode");
-          return [price, currency, &ctx](const Recordset& row) {
-            return Variant(
-                ctx.money_text(row.value(price).to_double(), row.value(currency).to_string()));
-          };
-        })};
+    const DisplayColumn columns[] = {
+        computed_display("UIDisplay_UnitPrice", adVarWChar, 100,
+                         [](const Recordset& src, DisplayContext& ctx) -> RowFiller {
+                           const int32_t price = src.GetFields().index_of("UnitPrice");
+                           const int32_t currency = src.GetFields().index_of("CurrencyCode");
+                           return [price, currency, &ctx](const Recordset& row) {
+                             return Variant(ctx.money_text(row.value(price).to_double(),
+                                                           row.value(currency).to_string()));
+                           };
+                         })};
     return display_list_page(runtime(), *ini, p_Session, *p_CustomData, source, p_lPage,
                              kNoDateStyle, columns);
   });
@@ -223,14 +223,14 @@ RecordsetPtr UIReq::GetCostDistribsRs(const SessionPtr& p_Session, int32_t p_lRe
     RecordsetPtr shares = distribs->GetCostDistribs(p_Session, p_lReqID, p_lLineNum, *p_CustomData);
     check(distribs, distribs->Success());
     Recordset& source = require(shares);
-    const DisplayColumn columns[] = {computed_display(
-        "UIDisplay_Percentage", adVarWChar, 50,
-        [](const Recordset& src, DisplayContext& ctx) -> RowFiller {
-          const int32_t percentage = src.GetFields().index_of("Percentage");
-          return [percentage, &ctx](const Recordset& row) {
-            return Variant(ctx.amount_text(row.value(percentage).to_double()));
-          };
-        })};
+    const DisplayColumn columns[] = {
+        computed_display("UIDisplay_Percentage", adVarWChar, 50,
+                         [](const Recordset& src, DisplayContext& ctx) -> RowFiller {
+                           const int32_t percentage = src.GetFields().index_of("Percentage");
+                           return [percentage, &ctx](const Recordset& row) {
+                             return Variant(ctx.amount_text(row.value(percentage).to_double()));
+                           };
+                         })};
     DisplayContext ctx(runtime(), require(p_Session), kNoDateStyle);
     return rebuild_for_display(source, columns, ctx);
   });
@@ -253,8 +253,8 @@ bool UIReq::SaveCostDistribs(const SessionPtr& p_Session, int32_t p_lReqID, int3
     for (size_t i = 0; i < ids.size(); ++i) {
       const std::optional<std::string> text = percentages[i].try_to_string();
       if (!text) raise_validation(p_Session, msg::kCostDistribPercentInvalid);
-      const double percentage = parse_quantity(*parser, p_Session, locale_id, *text,
-                                               msg::kCostDistribPercentInvalid);
+      const double percentage =
+          parse_quantity(*parser, p_Session, locale_id, *text, msg::kCostDistribPercentInvalid);
       if (!(percentage > 0 && percentage <= 100)) {
         raise_validation(p_Session, msg::kCostDistribPercentInvalid);
       }
@@ -265,8 +265,8 @@ bool UIReq::SaveCostDistribs(const SessionPtr& p_Session, int32_t p_lReqID, int3
     if (!shares.empty() && std::fabs(total - 100.0) > 0.00005) {
       raise_validation(p_Session, msg::kCostDistribTotalInvalid);
     }
-    check(distribs, distribs->SaveCostDistribs(p_Session, p_lReqID, p_lLineNum, shares,
-                                               *p_CustomData));
+    check(distribs,
+          distribs->SaveCostDistribs(p_Session, p_lReqID, p_lLineNum, shares, *p_CustomData));
     return true;
   });
 }

@@ -40,7 +40,8 @@ Texts column_texts(const RecordsetPtr& rs, const Texts& names) {
   if (!rs) return out;
   for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) {
     std::string row;
-    for (const std::string& n : names) row += (row.empty() ? "" : "|") + (*rs)[n].Value().to_string();
+    for (const std::string& n : names)
+      row += (row.empty() ? "" : "|") + (*rs)[n].Value().to_string();
     out.push_back(row);
   }
   return out;
@@ -75,11 +76,11 @@ class UIReqCartTest : public Test {
   void expect_rates() {
     EXPECT_CALL(*utils, GetServerDate(Eq(session), _)).WillOnce(Return(Variant(kServerDate)));
     EXPECT_CALL(*utils, ConvertCurrency(Eq(session), _, _, "USD", Variant(kServerDate), _, _))
-        .WillRepeatedly(Invoke([](auto&, double amount, const std::string& from, auto&, auto&,
-                                  double& out, auto&) {
-          out = amount * 1.5;
-          return from == "EUR";
-        }));
+        .WillRepeatedly(Invoke(
+            [](auto&, double amount, const std::string& from, auto&, auto&, double& out, auto&) {
+              out = amount * 1.5;
+              return from == "EUR";
+            }));
   }
 };
 
@@ -99,7 +100,8 @@ TEST_F(UIReqCartTest, GetItemsRsShowsEveryLineInTheSessionsCurrency) {
        false,
        {"1|2@1033|USD 10.00@1033|USD 20.00@1033", "2|0.5@1033|USD 3.00@1033|USD 1.50@1033"}},
       {"foreign prices converted once at the server date",
-       {{1, 3.0, Currency::from_double(4), "EUR"}, {2, 1.0, Currency::from_double(7), "USD"},
+       {{1, 3.0, Currency::from_double(4), "EUR"},
+        {2, 1.0, Currency::from_double(7), "USD"},
         {3, 2.0, Currency::from_double(1), "EUR"}},
        true,
        {"1|3@1033|USD 6.00@1033|USD 18.00@1033", "2|1@1033|USD 7.00@1033|USD 7.00@1033",
@@ -196,8 +198,8 @@ TEST_F(UIReqCartTest, UpdateItemQtyStoresTheParsedRoundedQuantity) {
     std::optional<double> stored;  // none: refused before the business call
   };
   const Case cases[] = {
-      {1033, "1.23456", 1.2346}, {1031, "2,5", 2.5},  {1033, "0.00005", 0.0},
-      {1033, "2,5", {}},         {1033, "abc", {}},   {1033, "", {}},
+      {1033, "1.23456", 1.2346}, {1031, "2,5", 2.5}, {1033, "0.00005", 0.0},
+      {1033, "2,5", {}},         {1033, "abc", {}},  {1033, "", {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.typed);
@@ -233,9 +235,11 @@ TEST_F(UIReqCartTest, GetFavoritesListPageShowsPricesInTheirOwnCurrencyOnePageAt
   env->provide(progid::FavoriteItems, favorites);
   favorites->fail_with(42, "FavoriteItems", "no favourites");
   std::vector<Values> rows;
-  for (int32_t i = 1; i <= 5; ++i) rows.push_back({i, Currency::from_double(i), i % 2 ? "EUR" : "USD"});
+  for (int32_t i = 1; i <= 5; ++i)
+    rows.push_back({i, Currency::from_double(i), i % 2 ? "EUR" : "USD"});
   const auto list = kxui::testing::make_recordset(
-      {{"PartBaseID", adInteger}, {"UnitPrice", adCurrency}, {"CurrencyCode", adVarWChar, 3}}, rows);
+      {{"PartBaseID", adInteger}, {"UnitPrice", adCurrency}, {"CurrencyCode", adVarWChar, 3}},
+      rows);
   EXPECT_CALL(*favorites, GetFavoriteList(Eq(session), _)).WillRepeatedly(Return(list));
   ON_CALL(*favorites, Success).WillByDefault(Return(true));
   fakes.ini->set("Page Size", "Paging", "Dunmere", "2");
@@ -248,9 +252,9 @@ TEST_F(UIReqCartTest, GetFavoritesListPageShowsPricesInTheirOwnCurrencyOnePageAt
     SCOPED_TRACE(page);
     RecordsetPtr rs = ui.GetFavoritesListPage(session, page);
     ASSERT_NE(rs, nullptr) << ui.Error()->Description();
-    EXPECT_EQ(column_texts(rs, {"PartBaseID", "UIDisplay_UnitPrice", "UIDisplay_CurrentPage",
-                                "UIDisplay_TotalRecords", "UIDisplay_StartRecord",
-                                "UIDisplay_EndRecord"}),
+    EXPECT_EQ(column_texts(
+                  rs, {"PartBaseID", "UIDisplay_UnitPrice", "UIDisplay_CurrentPage",
+                       "UIDisplay_TotalRecords", "UIDisplay_StartRecord", "UIDisplay_EndRecord"}),
               expected);
   }
   EXPECT_EQ(env->count(progid::Requisition), 0);
@@ -298,7 +302,8 @@ TEST_F(CostDistribTest, SaveCostDistribsChecksEveryShareBeforeStoring) {
       {"two shares, typed in the locale", array({7, 9}), array({"62.5", " 37.5 "}),
        Shares{{7, 62.5}, {9, 37.5}}},
       {"thirds rounded to four decimals", array({1, 2, 3}),
-       array({"33.33331", "33.33331", "33.33338"}), Shares{{1, 33.3333}, {2, 33.3333}, {3, 33.3334}}},
+       array({"33.33331", "33.33331", "33.33338"}),
+       Shares{{1, 33.3333}, {2, 33.3333}, {3, 33.3334}}},
       {"no split", Variant::missing(), Variant::missing(), Shares{}},
       {"one whole share given as a number", array({4}), array({100.0}), Shares{{4, 100}}},
       {"unreadable", array({7, 9}), array({"50", "fifty"}), {}, validation(11670)},
@@ -306,8 +311,11 @@ TEST_F(CostDistribTest, SaveCostDistribsChecksEveryShareBeforeStoring) {
       {"negative", array({7, 9}), array({"150", "-50"}), {}, validation(11670)},
       {"above 100", array({7}), array({"100.5"}), {}, validation(11670)},
       {"Null", array({7}), array({Variant::null()}), {}, validation(11670)},
-      {"rounding leaves it short", array({1, 2, 3}), array({"33.33333", "33.33333", "33.33334"}),
-       {}, validation(11671)},
+      {"rounding leaves it short",
+       array({1, 2, 3}),
+       array({"33.33333", "33.33333", "33.33334"}),
+       {},
+       validation(11671)},
       {"short of 100", array({7, 9}), array({"60", "30"}), {}, validation(11671)},
       {"just over 100", array({7, 9}), array({"60", "40.0001"}), {}, validation(11671)},
       {"lengths differ", array({7, 9}), array({"100"}), {}, 5},

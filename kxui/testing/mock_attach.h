@@ -17,8 +17,7 @@ class MockAttachment : public business::Attachment, public FakeBusinessObject {
                int32_t&, Variant&),
               (override));
   MOCK_METHOD(bool, GetAttachment,
-              (const SessionPtr&, int32_t, int32_t, int32_t, std::string&, std::string&,
-               Variant&),
+              (const SessionPtr&, int32_t, int32_t, int32_t, std::string&, std::string&, Variant&),
               (override));
   MOCK_METHOD(bool, DeleteAttachment, (const SessionPtr&, int32_t, int32_t, int32_t, Variant&),
               (override));
