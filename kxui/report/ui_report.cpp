@@ -54,7 +54,6 @@ RecordsetPtr UIReport::GetReportListPage(const SessionPtr& p_Session, int32_t p_
     RecordsetPtr list = report->GetReportList(p_Session, *p_CustomData);
     check(report, report->Success());
     Recordset& source = require(list);
-    require(p_Session);
     auto ini = create<AppIni>(progid::AppIni);
     return display_list_page(runtime(), *ini, p_Session, *p_CustomData, source, p_lPage,
                              kNoDateStyle, {});

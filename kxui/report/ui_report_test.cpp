@@ -111,6 +111,11 @@ TEST_F(UIReportTest, GetReportParamsRsGivesTheReportsParameters) {
   EXPECT_CALL(*params, Success).WillOnce(Return(false));
   EXPECT_EQ(ui.GetReportParamsRs(session, 40), nullptr);
   EXPECT_THAT(ui.Error(), ErrorIs(71, "UIReport::GetReportParamsRs ReportParam"));
+  // Nothing with success is no list either.
+  EXPECT_CALL(*params, Success).WillOnce(Return(true));
+  EXPECT_CALL(*params, GetReportParams).WillOnce(Return(nullptr));
+  EXPECT_EQ(ui.GetReportParamsRs(session, 40), nullptr);
+  EXPECT_THAT(ui.Error(), ErrorIs(91, "UIReport::GetReportParamsRs "));
 }
 
 TEST_F(UIReportTest, GenerateReportWritesTheDataSourcesRowsAsCsv) {
@@ -149,6 +154,7 @@ TEST_F(UIReportTest, GenerateReportFillsDefaultsAndRefusesMissingRequiredValues)
        validation(11661)},
       {"more values than parameters", array({"d", 7, "open", 1}), {}, 5},
       {"not an array", Variant("d"), {}, 13},
+      {"a two-dimensional array", Variant(Array({0, 1}, {0, 1})), {}, 13},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -163,8 +169,22 @@ TEST_F(UIReportTest, GenerateReportFillsDefaultsAndRefusesMissingRequiredValues)
     }
     Mock::VerifyAndClearExpectations(data.get());
   }
+  EXPECT_FALSE(generate(array({"d", 7, "open", 1})));
+  EXPECT_THAT(ui.Error()->Description(), HasSubstr("more values than the report has parameters"));
   EXPECT_FALSE(generate(Variant::missing()));
   EXPECT_EQ(ui.Error()->Description(), "A required report parameter has no value.");
+
+  // Reports with one parameter and with none.
+  const auto one = kxui::testing::make_recordset(
+      {{"ParamName", adVarWChar, 20}, {"Required", adBoolean}, {"DefaultValue", adVariant}},
+      {{"Year", false, int32_t{2024}}});
+  const auto none = kxui::testing::make_recordset(
+      {{"ParamName", adVarWChar, 20}, {"Required", adBoolean}, {"DefaultValue", adVariant}});
+  EXPECT_CALL(*params, GetReportParams).WillOnce(Return(one)).WillOnce(Return(none));
+  EXPECT_CALL(*data, GetReportData(_, SameValues({int32_t{2024}}), _));
+  EXPECT_TRUE(generate(Variant::missing()));
+  EXPECT_CALL(*data, GetReportData(_, IsEmpty(), _));
+  EXPECT_TRUE(generate(Variant()));
 }
 
 TEST_F(UIReportTest, GenerateReportCreatesOnlyTheSixDataSources) {
@@ -189,6 +209,8 @@ TEST_F(UIReportTest, GenerateReportCreatesOnlyTheSixDataSources) {
     EXPECT_CALL(*report, ReportClass).WillOnce(Return(report_class));
     EXPECT_FALSE(generate(array({"d"})));
     EXPECT_THAT(ui.Error(), ErrorIs(429, "UIReport::GenerateReport UIReport"));
+    EXPECT_THAT(ui.Error()->Description(),
+                HasSubstr("no report data source \"" + std::string(report_class) + "\""));
     expect_outs_untouched();
   }
 }

@@ -33,7 +33,8 @@ bool same_currency(const std::string& a, const std::string& b) {
   return true;
 }
 
-// Unit prices of the rows in the session's currency, converted once per row. The Utils
+// Unit prices of the rows in the session's currency, converted once per row (both money
+// columns ask for it; the columns are resolved on the first row). The Utils
 // object and the server date are obtained on the first conversion, so a cart already in
 // the session's currency asks for neither.
 class PriceConverter {
@@ -49,12 +50,12 @@ class PriceConverter {
 
   const std::string& currency() const { return currency_; }
 
-  void bind(const Recordset& source) {
-    price_col_ = source.GetFields().index_of("UnitPrice");
-    currency_col_ = source.GetFields().index_of("CurrencyCode");
-  }
-
   double unit_price(const Recordset& row) {
+    if (!bound_) {
+      price_col_ = row.GetFields().index_of("UnitPrice");
+      currency_col_ = row.GetFields().index_of("CurrencyCode");
+      bound_ = true;
+    }
     const int32_t position = row.AbsolutePosition();
     if (position != cached_position_) {
       cached_price_ = convert(row);
@@ -89,6 +90,7 @@ class PriceConverter {
   std::function<void()> refuse_;
   std::shared_ptr<business::Utils> utils_;
   Variant server_date_;
+  bool bound_ = false;
   int32_t price_col_ = 0, currency_col_ = 0;
   int32_t cached_position_ = -1;
   double cached_price_ = 0;
@@ -105,8 +107,7 @@ std::vector<DisplayColumn> cart_columns(const std::shared_ptr<PriceConverter>& p
                          };
                        }),
       computed_display("UIDisplay_UnitPrice", adVarWChar, 100,
-                       [prices](const Recordset& src, DisplayContext& ctx) -> RowFiller {
-                         prices->bind(src);
+                       [prices](const Recordset&, DisplayContext& ctx) -> RowFiller {
                          return [prices, &ctx](const Recordset& row) {
                            return Variant(
                                ctx.money_text(prices->unit_price(row), prices->currency()));
@@ -115,7 +116,6 @@ std::vector<DisplayColumn> cart_columns(const std::shared_ptr<PriceConverter>& p
       computed_display(
           "UIDisplay_ExtendedPrice", adVarWChar, 100,
           [prices, qty_column](const Recordset& src, DisplayContext& ctx) -> RowFiller {
-            prices->bind(src);
             return [prices, qty = qty_column(src), &ctx](const Recordset& row) {
               const double extended = prices->unit_price(row) * row.value(qty).to_double();
               return Variant(ctx.money_text(extended, prices->currency()));
@@ -142,6 +142,7 @@ RecordsetPtr UIReq::GetItemsRs(const SessionPtr& p_Session, int32_t p_lReqID,
         RecordsetPtr items = req->GetItems(p_Session, p_lReqID, *p_CustomData);
         check(req, req->Success());
         Recordset& source = require(items);
+        require(p_Session);
         auto prices = std::make_shared<PriceConverter>(
             [this] { return create<business::Utils>(progid::Utils); }, p_Session, *p_CustomData,
             [&] { raise_validation(p_Session, msg::kItemsPriceConversion); });
@@ -160,6 +161,7 @@ RecordsetPtr UIReq::GetItemDetails(const SessionPtr& p_Session, int32_t p_lReqID
         RecordsetPtr item = req->GetItem(p_Session, p_lReqID, p_lLineNum, *p_CustomData);
         check(req, req->Success());
         Recordset& source = require(item);
+        require(p_Session);
         auto prices = std::make_shared<PriceConverter>(
             [this] { return create<business::Utils>(progid::Utils); }, p_Session, *p_CustomData,
             [&] { raise_validation(p_Session, msg::kItemPriceConversion); });
@@ -199,7 +201,6 @@ RecordsetPtr UIReq::GetFavoritesListPage(const SessionPtr& p_Session, int32_t p_
     RecordsetPtr list = favorites->GetFavoriteList(p_Session, *p_CustomData);
     check(favorites, favorites->Success());
     Recordset& source = require(list);
-    require(p_Session);
     auto ini = create<AppIni>(progid::AppIni);
     const DisplayColumn columns[] = {
         computed_display("UIDisplay_UnitPrice", adVarWChar, 100,

@@ -140,6 +140,9 @@ TEST_F(UIReqCartTest, APriceThatCannotBeConvertedFailsTheCartWithItsMessage) {
   const Case cases[] = {
       {"no rate for the line's currency", {2, 1.0, Currency::from_double(5), "GBP"}, true},
       {"a line without a price", {2, 1.0, Variant::null(), "USD"}, false},
+      {"a code differing only in its first letter",
+       {2, 1.0, Currency::from_double(5), "ZSD"},
+       true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -257,10 +260,46 @@ TEST_F(UIReqCartTest, GetFavoritesListPageShowsPricesInTheirOwnCurrencyOnePageAt
                        "UIDisplay_TotalRecords", "UIDisplay_StartRecord", "UIDisplay_EndRecord"}),
               expected);
   }
+  EXPECT_EQ(layout(ui.GetFavoritesListPage(session, 1)),
+            "PartBaseID:0,UnitPrice:0,CurrencyCode:3,UIDisplay_UnitPrice:100,"
+            "UIDisplay_PageSize:0,UIDisplay_CurrentPage:0,UIDisplay_TotalRecords:0,"
+            "UIDisplay_StartRecord:0,UIDisplay_EndRecord:0");
   EXPECT_EQ(env->count(progid::Requisition), 0);
   EXPECT_CALL(*favorites, Success).WillRepeatedly(Return(false));
   EXPECT_EQ(ui.GetFavoritesListPage(session, 1), nullptr);
   EXPECT_THAT(ui.Error(), ErrorIs(42, "UIReq::GetFavoritesListPage FavoriteItems"));
+}
+
+TEST_F(UIReqCartTest, AMissingSessionFailsWithoutACrash) {
+  auto favorites = std::make_shared<NiceMock<MockFavoriteItems>>();
+  auto distribs = std::make_shared<NiceMock<MockReqCostDistribs>>();
+  env->provide(progid::FavoriteItems, favorites);
+  env->provide(progid::ReqCostDistribs, distribs);
+  const auto cart = [] { return lines({{1, 1.0, Currency::from_double(4), "EUR"}}); };
+  ON_CALL(*req, GetItems).WillByDefault(InvokeWithoutArgs(cart));
+  ON_CALL(*req, GetItem).WillByDefault(InvokeWithoutArgs(cart));
+  ON_CALL(*favorites, Success).WillByDefault(Return(true));
+  ON_CALL(*favorites, GetFavoriteList).WillByDefault(InvokeWithoutArgs(cart));
+  ON_CALL(*distribs, Success).WillByDefault(Return(true));
+  ON_CALL(*distribs, GetCostDistribs).WillByDefault(InvokeWithoutArgs(cart));
+  const SessionPtr none;
+  const std::pair<const char*, std::function<bool()>> ops[] = {
+      {"UIReq::GetItemsRs ", [&] { return ui.GetItemsRs(none, 12) != nullptr; }},
+      {"UIReq::GetItemDetails ", [&] { return ui.GetItemDetails(none, 12, 1) != nullptr; }},
+      {"UIReq::UpdateItemQty ", [&] { return ui.UpdateItemQty(none, 12, 1, "2"); }},
+      {"UIReq::GetFavoritesListPage ", [&] { return ui.GetFavoritesListPage(none, 1) != nullptr; }},
+      {"UIReq::GetCostDistribsRs ", [&] { return ui.GetCostDistribsRs(none, 12, 1) != nullptr; }},
+      {"UIReq::SaveCostDistribs ",
+       [&] {
+         return ui.SaveCostDistribs(none, 12, 1, Variant(Array::of({Variant(int32_t{7})})),
+                                    Variant(Array::of({Variant("100")})));
+       }},
+  };
+  for (const auto& [source, op] : ops) {
+    SCOPED_TRACE(source);
+    EXPECT_FALSE(op());
+    EXPECT_THAT(ui.Error(), ErrorIs(91, source));
+  }
 }
 
 class CostDistribTest : public UIReqCartTest {
