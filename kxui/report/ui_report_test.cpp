@@ -170,7 +170,7 @@ TEST_F(UIReportTest, GenerateReportFillsDefaultsAndRefusesMissingRequiredValues)
     Mock::VerifyAndClearExpectations(data.get());
   }
   EXPECT_FALSE(generate(array({"d", 7, "open", 1})));
-  EXPECT_THAT(ui.Error()->Description(), HasSubstr("more values than the report has parameters"));
+  EXPECT_THAT(ui.Error()->Description(), HasSubstr("(more values than the report has parameters)"));
   EXPECT_FALSE(generate(Variant::missing()));
   EXPECT_EQ(ui.Error()->Description(), "A required report parameter has no value.");
 
@@ -210,7 +210,7 @@ TEST_F(UIReportTest, GenerateReportCreatesOnlyTheSixDataSources) {
     EXPECT_FALSE(generate(array({"d"})));
     EXPECT_THAT(ui.Error(), ErrorIs(429, "UIReport::GenerateReport UIReport"));
     EXPECT_THAT(ui.Error()->Description(),
-                HasSubstr("no report data source \"" + std::string(report_class) + "\""));
+                HasSubstr("(no report data source \"" + std::string(report_class) + "\")"));
     expect_outs_untouched();
   }
 }
