@@ -26,6 +26,7 @@ TEST(CsvTest, FieldsAreQuotedOnlyWhenTheyMustBe) {
       {Variant("@cmd"), "'@cmd"},
       {Variant("\tTab"), "'\tTab"},
       {Variant("a=b"), "a=b"},
+      {Variant("~home,x"), "\"~home,x\""},
       {Variant(int32_t{-5}), "-5"},
       {Variant(-2.5), "-2.5"},
       {Variant(Currency::from_double(1234.5)), "1234.5"},
@@ -61,6 +62,8 @@ TEST(CsvTest, GoldenFile) {
   // A report without rows is its header line.
   auto empty = testing::make_recordset({{"A", adInteger}, {"B", adVarWChar, 5}});
   EXPECT_EQ(csv_text(*empty), "A,B\r\n");
+  auto one = testing::make_recordset({{"A", adInteger}}, {{Variant(int32_t{1})}});
+  EXPECT_EQ(csv_text(*one), "A\r\n1\r\n");
 }
 
 TEST(CsvTest, DownloadNamesKeepOnlySafeCharacters) {
