@@ -65,4 +65,12 @@ std::vector<Requisition::QuickCheckLine> Requisition::QuickCheckLines() {
 std::string Requisition::ReqCurrencyCode() { unsupported("ReqCurrencyCode"); }
 void Requisition::SetQuickCheckPrice(int32_t, Currency) { unsupported("SetQuickCheckPrice"); }
 
+// Cart
+RecordsetPtr Requisition::GetItems(S, int32_t, Variant&) { unsupported("GetItems"); }
+RecordsetPtr Requisition::GetItem(S, int32_t, int32_t, Variant&) { unsupported("GetItem"); }
+bool Requisition::UpdateItemQty(S, int32_t, int32_t, double, Variant&) {
+  unsupported("UpdateItemQty");
+}
+bool Requisition::DeleteItem(S, int32_t, int32_t, Variant&) { unsupported("DeleteItem"); }
+
 }  // namespace kxui::business

@@ -149,6 +149,23 @@ class Requisition : public virtual BusinessObject {
   // Stores a supplier's price as both the unit and the actual unit price of line
   // `index` (0-based, in the order of QuickCheckLines); kept by Save.
   virtual void SetQuickCheckPrice(int32_t index, Currency price);
+
+  // --- Cart -----------------------------------------------------------------------
+
+  // The lines of a requisition, one row per line, with at least "LineNum", "OrderQty"
+  // (a number), "UnitPrice" (money, Null when the line has no price yet) and
+  // "CurrencyCode" (the price's currency). Answers through Success().
+  virtual RecordsetPtr GetItems(const SessionPtr& session, int32_t req_id, Variant& custom_data);
+  // One line of a requisition as one row with the columns of GetItems. Answers through
+  // Success().
+  virtual RecordsetPtr GetItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                               Variant& custom_data);
+  // Sets the quantity of an existing line (already rounded to four decimals).
+  virtual bool UpdateItemQty(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                             double qty, Variant& custom_data);
+  // Removes a line from a requisition.
+  virtual bool DeleteItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                          Variant& custom_data);
 };
 
 }  // namespace kxui::business

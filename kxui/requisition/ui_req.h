@@ -185,6 +185,60 @@ class UIReq : public Facade {
   bool GetTemplateList(const SessionPtr& p_Session, int32_t p_ReqStatusID, int32_t p_lPageNum,
                        ByRef<Variant> rsTemplateList, ByRef<Variant> p_CustomData = {}) noexcept;
 
+  // --- Cart, item details, favourites, cost distribution ---
+  //
+  // Money on the cart is shown in the session's currency: each line's "UnitPrice" is
+  // converted from the line's "CurrencyCode" at the server's date ("KxUtility03.Utils"),
+  // a line already in the session's currency without a conversion call. A line whose
+  // price cannot be converted (no rate, or no price at all) fails the whole result with
+  // its message; a partial cart is never shown. The rebuilt results add, in this order,
+  // "UIDisplay_OrderQty" (text 50, the quantity in the user's locale),
+  // "UIDisplay_UnitPrice" and "UIDisplay_ExtendedPrice" (text 100, the converted price
+  // and price times quantity, formatted in the session's currency).
+  // GetItemsRs and GetItemDetails maintain Success (cleared on entry, set on success);
+  // the other operations here leave it alone.
+
+  // Every line of a requisition, rebuilt as above, positioned at its first row.
+  // Nothing on failure; a price that cannot be converted fails with message 11606.
+  RecordsetPtr GetItemsRs(const SessionPtr& p_Session, int32_t p_lReqID,
+                          ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // One line of a requisition, rebuilt as above. Nothing on failure; a price that cannot
+  // be converted fails with message 11607.
+  RecordsetPtr GetItemDetails(const SessionPtr& p_Session, int32_t p_lReqID, int32_t p_lLineNum,
+                              ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // Sets the quantity of a line from text typed in the user's locale, rounded to four
+  // decimals (halves to even); text that does not read as a number fails with message
+  // 11605 before anything is stored. True; False on a validation or business failure.
+  bool UpdateItemQty(const SessionPtr& p_Session, int32_t p_lReqID, int32_t p_lLineNum,
+                     const std::string& p_sOrderQty, ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // Removes a line. True; False on a business failure.
+  bool DeleteItem(const SessionPtr& p_Session, int32_t p_lReqID, int32_t p_lLineNum,
+                  ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // One page of the user's favourite parts ("KxReq03.FavoriteItems") with
+  // "UIDisplay_UnitPrice" (the price in the row's own currency) and the five paging
+  // columns; pages as for GetListPage. Nothing on failure.
+  RecordsetPtr GetFavoritesListPage(const SessionPtr& p_Session, int32_t p_lPage,
+                                    ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // The cost-centre shares of a line ("KxReq03.ReqCostDistribs"), every row, with
+  // "UIDisplay_Percentage" (text 50, in the user's locale). Nothing on failure.
+  RecordsetPtr GetCostDistribsRs(const SessionPtr& p_Session, int32_t p_lReqID,
+                                 int32_t p_lLineNum, ByRef<Variant> p_CustomData = {}) noexcept;
+
+  // Replaces the shares of a line: p_CostCenterIDs and p_Percentages are arrays of equal
+  // length (both omitted or empty: no split), the percentages typed in the user's locale.
+  // Every percentage must read as a number above 0 and at most 100 (message 11670) and,
+  // rounded to four decimals, together make 100 (message 11671); arrays of different
+  // lengths fail with error 5. All is checked before anything is stored. True; False on
+  // a validation or business failure.
+  bool SaveCostDistribs(const SessionPtr& p_Session, int32_t p_lReqID, int32_t p_lLineNum,
+                        const Variant& p_CostCenterIDs, const Variant& p_Percentages,
+                        ByRef<Variant> p_CustomData = {}) noexcept;
+
  private:
   // Whether a requisition status allows editing: -1, 1, 3 and 4 do.
   static bool isEditable(int32_t status_id) noexcept;
