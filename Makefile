@@ -1,7 +1,8 @@
 # Front door: `make test` sets up a fresh Debian machine, builds and runs every test
 # under the default and the sanitizer presets.
 DEB_PACKAGES := g++ cmake ninja-build make pkg-config libgtest-dev libgmock-dev \
-                libbenchmark-dev libicu-dev libsqlite3-dev
+                libbenchmark-dev libicu-dev libsqlite3-dev \
+                libsoci-dev libsodium-dev
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
