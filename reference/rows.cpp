@@ -103,7 +103,8 @@ RecordsetPtr make_recordset(std::span<const Column> columns) {
   return rs;
 }
 
-void append_row(Recordset& rs, std::span<const Column> columns, const soci::row& row) {
+void append_row(Recordset& rs, std::span<const Column> columns, const soci::row& row,
+                const std::function<void(Recordset&)>& finish) {
   rs.AddNew();
   for (size_t i = 0; i < columns.size(); ++i) {
     const auto col = static_cast<int32_t>(i);
@@ -122,6 +123,7 @@ void append_row(Recordset& rs, std::span<const Column> columns, const soci::row&
       case Kind::kBool: rs.set_value(col, Variant(*get_int(row, i) != 0)); break;
     }
   }
+  if (finish) finish(rs);
   rs.Update();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -33,7 +34,9 @@ struct Column {
 // An open, empty record set with the columns.
 RecordsetPtr make_recordset(std::span<const Column> columns);
 // Appends the value of every result column (in order) as a new row; Null stays Null.
-void append_row(Recordset& rs, std::span<const Column> columns, const soci::row& row);
+// `finish`, when given, may change the new row before it is stored.
+void append_row(Recordset& rs, std::span<const Column> columns, const soci::row& row,
+                const std::function<void(Recordset&)>& finish = {});
 // Every row of `rows` into a new record set, positioned at its first row.
 RecordsetPtr to_recordset(soci::rowset<soci::row>& rows, std::span<const Column> columns);
 
