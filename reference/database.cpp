@@ -97,7 +97,8 @@ std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions
   try {
     if (backend == Backend::kSqlite) {
       db->sql_.open(soci::sqlite3, "db=\"" + std::string(rest) + "\" timeout=" +
-                                       std::to_string(db->options_.busy_timeout_ms / 1000 + 1));
+                                       std::to_string(db->options_.busy_timeout_ms / 1000 + 1) +
+                                       (db->options_.read_only ? " readonly=1" : ""));
       db->sql_ << "PRAGMA busy_timeout = " + std::to_string(db->options_.busy_timeout_ms);
       db->sql_ << "PRAGMA foreign_keys = ON";
       std::string mode;
@@ -144,17 +145,30 @@ int32_t Database::schema_version() {
 }
 
 void Database::migrate() {
+  int32_t current = 0;
+  bool has_table = true;
+  try {
+    current = schema_version();
+  } catch (const Failure& f) {
+    // A new file has no version table yet; any other failure (a damaged file) counts.
+    if (f.number() != error_number(Refusal::kDatabaseError)) throw;
+    has_table = false;
+  }
+  const auto& all = migrations();
+  // An up-to-date database is opened without writing, so read-only files open too.
+  if (has_table && current >= all.back().version) {
+    if (current > all.back().version) {
+      refuse(Refusal::kSchemaTooNew, "The database was written by a newer program (schema " +
+                                         std::to_string(current) + ", this program knows " +
+                                         std::to_string(all.back().version) + ")");
+    }
+    return;
+  }
   write([&](soci::session& sql) {
     sql << "CREATE TABLE IF NOT EXISTS schema_version (version INTEGER PRIMARY KEY, "
            "name VARCHAR(100) NOT NULL, applied VARCHAR(19) NOT NULL)";
   });
-  const int32_t current = schema_version();
-  const auto& all = migrations();
-  if (current > all.back().version) {
-    refuse(Refusal::kSchemaTooNew, "The database was written by a newer program (schema " +
-                                       std::to_string(current) + ", this program knows " +
-                                       std::to_string(all.back().version) + ")");
-  }
+  current = schema_version();
   for (const Migration& m : all) {
     if (m.version <= current) continue;
     // Each step with its version row in one transaction: a failed step leaves the

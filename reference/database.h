@@ -25,6 +25,8 @@ struct DatabaseOptions {
   int32_t lock_minutes = 30;
   // How long SQLite waits for another writer before answering "busy".
   int32_t busy_timeout_ms = 5000;
+  // Opens SQLite read-only: reading works, every change fails as "cannot be written to".
+  bool read_only = false;
   // The clock, in zone 15 (UTC); tests replace it to move time.
   std::function<Date()> clock;
 };
