@@ -67,7 +67,10 @@ bool RefRequisition::SubmitRequisition(const SessionPtr& session, int32_t req_id
         refuse(Refusal::kInvalidArgument, "Requisition " + std::to_string(req_id) + " has " +
                                               std::to_string(incomplete) + " incomplete item(s).");
       }
-      // True keeps the route the page built and edited; False builds it afresh.
+      // Steps of an earlier round (before a rejection or withdrawal) are history, kept in
+      // the log. True keeps the route the page built and edited; False builds it afresh.
+      sql << "DELETE FROM approval_steps WHERE req_id = :r AND status_id NOT IN (:w, :p)",
+          soci::use(req_id), soci::use(step_status::kWaiting), soci::use(step_status::kPending);
       int existing = 0;
       sql << "SELECT COUNT(*) FROM approval_steps WHERE req_id = :r", soci::use(req_id),
           soci::into(existing);
