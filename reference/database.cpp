@@ -13,7 +13,7 @@
 namespace kxui::reference {
 
 struct Database::Cache {
-  std::map<std::string, std::unique_ptr<soci::statement>> statements;
+  std::map<std::string, std::unique_ptr<Database::PreparedState>> states;
 };
 
 namespace {
@@ -186,11 +186,8 @@ void Database::migrate() {
   }
 }
 
-soci::statement& Database::prepared(const std::string& key,
-                                    const std::function<soci::statement(soci::session&)>& make) {
-  auto& slot = cache_->statements[key];
-  if (!slot) slot = std::make_unique<soci::statement>(make(sql_));
-  return *slot;
+std::unique_ptr<Database::PreparedState>& Database::prepared_slot(const std::string& key) {
+  return cache_->states[key];
 }
 
 std::string date_text(Date d) {

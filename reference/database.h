@@ -53,10 +53,24 @@ class Database {
   template <class Fn>
   auto read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
 
-  // A statement prepared once per connection under `key`: `make` prepares it the first
-  // time (binding to variables that outlive the connection); later calls reuse it.
-  soci::statement& prepared(const std::string& key,
-                            const std::function<soci::statement(soci::session&)>& make);
+  // A statement prepared once per connection, held with the variables it is bound to.
+  struct PreparedState {
+    virtual ~PreparedState() = default;
+    std::unique_ptr<soci::statement> statement;
+  };
+  // The state S (a PreparedState) kept under `key`: `prepare` builds its statement,
+  // bound to S's own members, the first time; later calls reuse it. Call inside read()
+  // or write(), which keep the connection to one caller at a time.
+  template <class S>
+  S& prepared(const std::string& key, const std::function<void(soci::session&, S&)>& prepare) {
+    std::unique_ptr<PreparedState>& slot = prepared_slot(key);
+    if (!slot) {
+      auto state = std::make_unique<S>();
+      prepare(sql_, *state);
+      slot = std::move(state);
+    }
+    return static_cast<S&>(*slot);
+  }
 
   ~Database();
 
@@ -66,6 +80,7 @@ class Database {
   void commit();
   void rollback() noexcept;
   void migrate();
+  std::unique_ptr<PreparedState>& prepared_slot(const std::string& key);
 
   Backend backend_;
   DatabaseOptions options_;

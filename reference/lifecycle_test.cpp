@@ -148,6 +148,16 @@ TEST(Lifecycle, ListPagesOverTheStoredRequisitions) {
   const std::vector<std::string> ids = column_values(*sorted, "ReqID");
   ASSERT_EQ(ids.size(), 2u);
   EXPECT_LT(std::stoi(ids[0]), std::stoi(ids[1]));
+  // The statement prepared for the first page serves later calls with their own values.
+  Variant req_id(int32_t{0}), line, form;
+  ASSERT_TRUE(req.AddItemFastAdd(alice, req_id, f->ids.supplier, "P-100", "", "4", "", line, form));
+  RecordsetPtr again = req.GetListPage(alice, "", "", "", "", 0);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->GetFields()["UIDisplay_TotalRecords"].Value(), Variant(int32_t{4}));
+  EXPECT_EQ(again->GetFields()["ReqID"].Value(), req_id);
+  RecordsetPtr bobs = req.GetListPage(f->session(f->ids.bob), "", "", "", "", 0);
+  ASSERT_TRUE(bobs) << req.Error()->Description();
+  EXPECT_EQ(bobs->RecordCount(), 0);
   EXPECT_FALSE(req.GetListPage(alice, "", "", "ReqID; DROP TABLE requisitions", "", 0));
   EXPECT_THAT(req.Error()->Description(), HasSubstr("cannot be sorted by"));
   EXPECT_FALSE(req.GetListPage(alice, "", "", "", "1,x", 0));

@@ -2,6 +2,7 @@
 #include "reference/requisition.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <sstream>
 #include <vector>
@@ -97,6 +98,53 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
   });
 }
 
+namespace {
+
+// The list statement, prepared once per sort order, with the variables bound to it.
+struct ListStatement : Database::PreparedState {
+  std::string login, borg;
+  int self = 0, all = 0;
+  std::array<int, kStatusSlots> slots{};
+  int req_id = 0, status = 0, items = 0;
+  std::string name, requisitioner, borg_name, created, submitted, currency;
+};
+
+void prepare_list(soci::session& sql, ListStatement& s, const std::string& order) {
+  std::string query =
+      "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
+      "COALESCE(r.submit_date, r.create_date), "
+      "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
+      "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
+      "JOIN borgs b ON b.borg_id = r.borg_id "
+      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
+  for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
+  query += ")) ORDER BY " + order;
+  s.statement = std::make_unique<soci::statement>(sql);
+  soci::statement& st = *s.statement;
+  st.exchange(soci::use(s.login));
+  st.exchange(soci::use(s.self));
+  st.exchange(soci::use(s.login));
+  st.exchange(soci::use(s.borg));
+  st.exchange(soci::use(s.borg));
+  st.exchange(soci::use(s.all));
+  for (int& slot : s.slots) st.exchange(soci::use(slot));
+  st.exchange(soci::into(s.req_id));
+  st.exchange(soci::into(s.name));
+  st.exchange(soci::into(s.status));
+  st.exchange(soci::into(s.requisitioner));
+  st.exchange(soci::into(s.borg_name));
+  st.exchange(soci::into(s.created));
+  st.exchange(soci::into(s.submitted));
+  st.exchange(soci::into(s.items));
+  st.exchange(soci::into(s.currency));
+  st.alloc();
+  st.prepare(query);
+  st.define_and_bind();
+}
+
+}  // namespace
+
 RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
                                                 const std::string& user_name,
                                                 const std::string& borg_name,
@@ -108,26 +156,32 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
     std::vector<int> slots = status_slots(status_list);
     const int all_statuses = slots.empty() ? 1 : 0;
     slots.resize(kStatusSlots, kUnusedStatus);
-    const std::string login = lower(user_name), borg = borg_name;
-    const int self = s.SysUserID();
-    return db().read([&](soci::session& sql) {
-      std::string query =
-          "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
-          "COALESCE(r.submit_date, r.create_date), "
-          "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
-          "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
-          "JOIN borgs b ON b.borg_id = r.borg_id "
-          "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
-          "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
-      for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
-      query += ")) ORDER BY " + order;
-      soci::rowset<soci::row> rows =
-          (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
-           soci::use(borg), soci::use(borg), soci::use(all_statuses), soci::use(slots[0]),
-           soci::use(slots[1]), soci::use(slots[2]), soci::use(slots[3]), soci::use(slots[4]),
-           soci::use(slots[5]), soci::use(slots[6]), soci::use(slots[7]), soci::use(slots[8]),
-           soci::use(slots[9]), soci::use(slots[10]), soci::use(slots[11]));
-      return to_recordset(rows, kListColumns);
+    return db().read([&](soci::session&) {
+      ListStatement& q = db().prepared<ListStatement>(
+          "requisition list " + order,
+          [&](soci::session& sql, ListStatement& st) { prepare_list(sql, st, order); });
+      q.login = lower(user_name);
+      q.borg = borg_name;
+      q.self = s.SysUserID();
+      q.all = all_statuses;
+      std::copy(slots.begin(), slots.end(), q.slots.begin());
+      RecordsetPtr rs = make_recordset(kListColumns);
+      q.statement->execute(false);
+      while (q.statement->fetch()) {
+        rs->AddNew();
+        rs->set_value(0, Variant(int32_t{q.req_id}));
+        rs->set_value(1, Variant(q.name));
+        rs->set_value(2, Variant(int32_t{q.status}));
+        rs->set_value(3, Variant(q.requisitioner));
+        rs->set_value(4, Variant(q.borg_name));
+        rs->set_value(5, Variant(parse_date_text(q.created)));
+        rs->set_value(6, Variant(parse_date_text(q.submitted)));
+        rs->set_value(7, Variant(int32_t{q.items}));
+        rs->set_value(8, Variant(q.currency));
+        rs->Update();
+      }
+      if (rs->RecordCount() > 0) rs->MoveFirst();
+      return rs;
     });
   });
 }
