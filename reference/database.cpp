@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <new>
 
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
@@ -55,6 +56,8 @@ void raise_database_error(std::string_view what) {
     throw;
   } catch (const Failure&) {
     throw;
+  } catch (const std::bad_alloc&) {
+    throw;  // the caller's out-of-memory report, not a database fault
   } catch (const soci::sqlite3_soci_error& e) {
     raise_sqlite(e.result(), what, e.get_error_message());
   } catch (const soci::soci_error& e) {

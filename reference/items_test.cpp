@@ -111,6 +111,21 @@ TEST(Items, RefusedLinesLeaveTheRequisitionAsItWas) {
   Variant status, items, editable;
   ASSERT_TRUE(ui.GetReqStatus(alice, rid, status, items, editable));
   EXPECT_EQ(items, Variant(int32_t{1}));
+
+  // Lengths count characters, not bytes: 255 accented letters fit a description, 256 do not.
+  std::string accented;
+  for (int i = 0; i < 255; ++i) accented += "é";
+  Variant target(rid);
+  EXPECT_TRUE(ui.AddItemSpecialRequest(alice, target, 0, "Shop", "S-1", "", "1", "EA", 0, "", 0,
+                                       "", Variant(std::string("3")), "USD", accented, line, form))
+      << ui.Error()->Description();
+  EXPECT_FALSE(ui.AddItemSpecialRequest(alice, target, 0, "Shop", "S-1", "", "1", "EA", 0, "", 0,
+                                        "", Variant(std::string("3")), "USD", accented + "é", line,
+                                        form));
+  EXPECT_THAT(ui.Error()->Description(),
+              HasSubstr("A description may have at most 255 characters; 256 were given."));
+  EXPECT_FALSE(ui.SetHeaderJustification(alice, rid, std::string(257, 'j')));
+  EXPECT_THAT(ui.Error()->Description(), HasSubstr("A justification may have at most 256"));
   // Another user cannot rename Alice's requisition.
   EXPECT_FALSE(ui.UpdateReqName(bob, rid, "Bob's now"));
   EXPECT_THAT(ui.Error()->Description(), HasSubstr("Only the requisitioner may rename"));

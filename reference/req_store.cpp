@@ -214,6 +214,15 @@ int32_t create_orders(soci::session& sql, Database& db, int32_t req_id) {
   return static_cast<int32_t>(orders.size());
 }
 
+void require_length(const std::string& text, size_t max, const std::string& what) {
+  size_t chars = 0;
+  for (unsigned char c : text) chars += (c & 0xC0) != 0x80;
+  if (chars > max) {
+    refuse(Refusal::kInvalidArgument, what + " may have at most " + std::to_string(max) +
+                                          " characters; " + std::to_string(chars) + " were given.");
+  }
+}
+
 std::string user_name(soci::session& sql, int32_t user_id) {
   std::string name;
   sql << "SELECT full_name FROM users WHERE sys_user_id = :u", soci::use(user_id),

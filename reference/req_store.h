@@ -66,6 +66,10 @@ Totals req_totals(soci::session& sql, Database& db, int32_t req_id, const std::s
 // One purchase order per supplier of the requisition's lines; returns how many.
 int32_t create_orders(soci::session& sql, Database& db, int32_t req_id);
 
+// Refuses a text longer than `max` characters (not bytes): stored texts fit the columns
+// of the record sets pages receive, on every backend.
+void require_length(const std::string& text, size_t max, const std::string& what);
+
 // The display name of a user; refuses when there is none.
 std::string user_name(soci::session& sql, int32_t user_id);
 

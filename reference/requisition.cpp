@@ -191,6 +191,7 @@ bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
   return answer("UpdateReqName", false, [&] {
     const Session& s = session_of(session);
     if (name.empty()) refuse(Refusal::kInvalidArgument, "A requisition needs a name.");
+    require_length(name, 100, "A requisition name");
     db().write([&](soci::session& sql) {
       const ReqRow req = load_req(sql, req_id);
       require_requisitioner(req, s, "rename");
@@ -238,6 +239,8 @@ bool RefRequisition::Save(const SessionPtr& session, Variant&) {
   return answer("Save", false, [&] {
     const Session& s = session_of(session);
     if (!header_) refuse(Refusal::kInvalidArgument, "No requisition is loaded to be saved.");
+    // Approvers see the justification in a column of 256 characters.
+    require_length(header_->justification, 256, "A justification");
     db().write([&](soci::session& sql) {
       const ReqRow req = load_req(sql, header_->req_id);
       require_editable(req, "changed");

@@ -13,6 +13,16 @@ constexpr const char* kReqLocks = "req_locks";
 // The smart form that holds a special request's extra fields; catalog lines have none.
 constexpr int32_t kSpecialRequestForm = 1;
 
+// The caller's texts of a special request, checked against their columns.
+void check_special_texts(const RefLineItem& item) {
+  require_length(item.supplier_name, 100, "A supplier name");
+  require_length(item.supplier_part_num, 50, "A part number");
+  require_length(item.supplier_part_num_ext, 50, "A part number extension");
+  require_length(item.mfr_name, 100, "A manufacturer name");
+  require_length(item.commodity_alias, 100, "A commodity alias");
+  require_length(item.part_desc, 255, "A description");
+}
+
 double quantity_of(const RefLineItem& item) {
   const std::optional<double> qty = item.qty.try_to_double();
   if (!qty || !(*qty > 0)) {
@@ -133,6 +143,7 @@ bool RefRequisition::CommitSpecialRequestItem(const SessionPtr& session, const s
     if (item_->part_desc.empty()) {
       refuse(Refusal::kInvalidArgument, "A special request needs a description.");
     }
+    check_special_texts(*item_);
     RefLineItem line = *item_;
     line.special = true;
     db().write([&](soci::session& sql) {
@@ -180,6 +191,7 @@ bool RefRequisition::UpdateSpecialRequestItem(const SessionPtr& session, Variant
     if (!item_) refuse(Refusal::kInvalidArgument, "No line item was handed out to be stored.");
     const RefLineItem& line = *item_;
     const double qty = quantity_of(line);
+    check_special_texts(line);
     db().write([&](soci::session& sql) {
       const ReqRow req = load_req(sql, line.req_id);
       require_editable(req, "changed");

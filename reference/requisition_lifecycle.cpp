@@ -97,6 +97,7 @@ bool RefRequisition::CopyRequisition(const SessionPtr& session, int32_t req_id,
       refuse(Refusal::kInvalidArgument, "Copy mode " + std::to_string(flag) + " is not known.");
     }
     if (name.empty()) refuse(Refusal::kInvalidArgument, "A requisition needs a name.");
+    require_length(name, 100, "A requisition name");
     int new_id = 0, items = 0, copied = 0;
     db().write([&](soci::session& sql) {
       const ReqRow req = load_req(sql, req_id);

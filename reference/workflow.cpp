@@ -186,6 +186,7 @@ bool RefWorkflow::AddComments(const SessionPtr& session, int32_t req_id,
   return answer("AddComments", false, [&] {
     const Session& s = session_of(session);
     if (comments.empty()) refuse(Refusal::kInvalidArgument, "There is no comment to add.");
+    require_length(comments, 2000, "A comment");
     db().write([&](soci::session& sql) {
       load_req(sql, req_id);
       const int user = s.SysUserID();
@@ -204,6 +205,7 @@ bool RefWorkflow::act(const char* member, const SessionPtr& session, int32_t req
                       int32_t seq_num, const std::string& comments, bool approve) {
   return answer(member, false, [&] {
     const Session& s = session_of(session);
+    require_length(comments, 2000, "A comment");
     db().write([&](soci::session& sql) {
       const ReqRow req = load_req(sql, req_id);
       const std::string verb = approve ? "approved" : "rejected";
