@@ -5,7 +5,6 @@
 #include <map>
 #include <new>
 
-#include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
 #include "reference/errors.h"
@@ -107,7 +106,9 @@ std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions
       std::string mode;
       db->sql_ << "PRAGMA journal_mode = WAL", soci::into(mode);
     } else {
-      db->sql_.open(soci::postgresql, std::string(rest));
+      // Loaded by name when first used: building needs neither the PostgreSQL client
+      // headers nor its backend, and SQLite-only hosts never load them.
+      db->sql_.open("postgresql", std::string(rest));
     }
   } catch (...) {
     raise_database_error("opening the database");

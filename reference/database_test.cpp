@@ -94,6 +94,18 @@ TEST(Database, RefusesFilesItCannotUse) {
   }
 }
 
+TEST(Database, UnreachablePostgresIsAClearError) {
+  // The PostgreSQL backend is loaded by name; a refused connection says what failed.
+  try {
+    Database::Open("postgresql://host=127.0.0.1 port=1 dbname=kx connect_timeout=2");
+    ADD_FAILURE() << "connected to nothing";
+  } catch (const Failure& f) {
+    EXPECT_EQ(f.number(), error_number(Refusal::kDatabaseError));
+    EXPECT_THAT(f.description(), HasSubstr("while opening the database"));
+    EXPECT_THAT(f.description(), HasSubstr("Connection refused"));
+  }
+}
+
 TEST(Database, AFailedChangeLeavesNothingBehind) {
   auto f = make_fixture();
   const int before = count_rows(*f->db, "borgs");
