@@ -170,13 +170,18 @@ TEST(Objects, SettingsLogAndPasswordsLiveInTables) {
   auto s = f->session(f->ids.alice);
   Variant cd;
   TableAppIni ini(f->db);
-  ASSERT_TRUE(ini.ReadValue(s, "Page Size", "Paging", "Dunmere", cd));
+  ASSERT_TRUE(ini.ReadValue(s, "page size", "PAGING", "dunmere", cd));
   EXPECT_EQ(ini.GetValue(), "2");
-  EXPECT_FALSE(ini.ReadValue(s, "Page Size", "paging", "Dunmere", cd));
+  EXPECT_FALSE(ini.ReadValue(s, "Page Size", "UI", "Dunmere", cd));
   EXPECT_EQ(ini.GetError()->Number(), TableAppIni::kSettingNotFound);
+  EXPECT_EQ(ini.GetError()->Description(),
+            "Setting \"Page Size\" of section [UI] of application Dunmere is not set");
   EXPECT_EQ(ini.GetValue(), "2");
+  put_setting(*f->db, "DUNMERE", "paging", "PAGE SIZE", "30");
+  ASSERT_TRUE(ini.ReadValue(s, "Page Size", "Paging", "Dunmere", cd));
+  EXPECT_EQ(ini.GetValue(), "30");
   EXPECT_EQ(column(ini.GetSettingsList(s, cd), "name"),
-            (std::vector<std::string>{"Page Size", "DateFormat"}));
+            (std::vector<std::string>{"PAGE SIZE", "DateFormat"}));
 
   TableLog log(f->db);
   log.SetEventType(2);

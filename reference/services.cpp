@@ -54,7 +54,8 @@ bool TableAppIni::ReadValue(const SessionPtr&, const std::string& name,
   return answer("ReadValue", false, [&] {
     std::string value;
     const bool found = db().read([&](soci::session& sql) {
-      sql << "SELECT value FROM settings WHERE app_name = :a AND section = :s AND name = :n",
+      sql << "SELECT value FROM settings WHERE LOWER(app_name) = LOWER(:a) AND "
+             "LOWER(section) = LOWER(:s) AND LOWER(name) = LOWER(:n)",
           soci::use(app_name), soci::use(section), soci::use(name), soci::into(value);
       return sql.got_data();
     });
@@ -86,8 +87,11 @@ RecordsetPtr TableAppIni::GetSettingsList(const SessionPtr&, Variant&) {
 void put_setting(Database& db, const std::string& app_name, const std::string& section,
                  const std::string& name, const std::string& value) {
   db.write([&](soci::session& sql) {
-    sql << "INSERT INTO settings (app_name, section, name, value) VALUES (:a, :s, :n, :v) "
-           "ON CONFLICT (app_name, section, name) DO UPDATE SET value = excluded.value",
+    // Names compare without case, so a setting written in other case replaces the old.
+    sql << "DELETE FROM settings WHERE LOWER(app_name) = LOWER(:a) AND LOWER(section) = "
+           "LOWER(:s) AND LOWER(name) = LOWER(:n)",
+        soci::use(app_name), soci::use(section), soci::use(name);
+    sql << "INSERT INTO settings (app_name, section, name, value) VALUES (:a, :s, :n, :v)",
         soci::use(app_name), soci::use(section), soci::use(name), soci::use(value);
   });
 }

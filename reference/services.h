@@ -44,7 +44,8 @@ class RefPurchaseOrder : public business::PurchaseOrder, public RefObject {
 };
 
 // "KxUtility03.AppIni" over the settings table: (application, section, name) -> value,
-// compared exactly. A missing setting answers False with error 5 as the INI reader does.
+// names compared without case as in the INI files. A missing setting answers False with
+// error 5 as the INI reader does.
 class TableAppIni : public AppIni, public RefObject {
  public:
   static constexpr int32_t kSettingNotFound = 5;
