@@ -82,6 +82,19 @@ TEST(WorkLists, ReviewersAndTheirComments) {
   RecordsetPtr daves = wf.GetReviewListRs(alice, rid, f->ids.dave);
   ASSERT_TRUE(daves);
   EXPECT_EQ(daves->GetFields()["Comments"].Value(), Variant(std::string("  Looks fine  ")));
+  Variant name, requisitioner, created, cost, justification, currency;
+  RecordsetPtr log = ui.GetLogRequisition(alice, rid, name, requisitioner, created, cost,
+                                          justification, currency);
+  ASSERT_TRUE(log);
+  std::vector<std::string> entries;
+  for (log->MoveFirst(); !log->IsEOF(); log->MoveNext()) {
+    entries.push_back(log->GetFields()["Action"].Value().to_string() + ": " +
+                      log->GetFields()["Comments"].Value().to_string());
+  }
+  EXPECT_THAT(entries, ::testing::ElementsAre(
+                           ::testing::_, ::testing::_, ::testing::_, "Submitted: ",
+                           "Reviewer added: Dave Adhoc", "Reviewer added: Erin Standin",
+                           "Comment:   Looks fine  "));
   EXPECT_FALSE(wf.AddComments(dave, rid, ""));
   EXPECT_THAT(wf.Error()->Description(), HasSubstr("no comment"));
 }
@@ -143,6 +156,21 @@ TEST(WorkLists, DelegationHoldsOnlyWhileItIsValid) {
     EXPECT_EQ(wf.Approve(erin, rid, 1, ""), c.may_act);
   }
   EXPECT_TRUE(wf.CheckDelegationEnabled(bob));
+}
+
+TEST(WorkLists, OnlyWaitingRequisitionsAreWithdrawnOrCounted) {
+  auto f = make_fixture();
+  UIReq ui(f->runtime);
+  UIWF wf(f->runtime);
+  auto alice = f->session(f->ids.alice);
+  Variant req_id(int32_t{0}), line, form;
+  ASSERT_TRUE(ui.AddItemFastAdd(alice, req_id, f->ids.supplier, "P-100", "", "1", "", line, form));
+  EXPECT_FALSE(wf.Cancel(alice, req_id.to_int32()));
+  EXPECT_EQ(wf.Error()->Description(), "Requisition " + std::to_string(req_id.to_int32()) +
+                                           " is Open and is not waiting for approval.");
+  EXPECT_EQ(wf.GetApprovalCount(alice, 999), 0);
+  EXPECT_FALSE(wf.Success());
+  EXPECT_EQ(wf.Error()->Number(), error_number(Refusal::kNotFound));
 }
 
 TEST(WorkLists, RejectionEndsTheRound) {
