@@ -14,7 +14,6 @@ namespace kxui::reference {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::fresh_dir;
 using testing::make_fixture;
 
 int count_rows(Database& db, const std::string& table) {
@@ -35,7 +34,8 @@ int32_t refusal_of(const std::function<void()>& fn) {
 }
 
 TEST(Database, MigratesAnEmptyFileAndReopensItUnchanged) {
-  const auto dir = fresh_dir();
+  testing::TempDir tmp;
+  const auto& dir = tmp.path;
   const std::string url = "sqlite3://" + (dir / "new.db").string();
   {
     auto db = Database::Open(url);
@@ -62,7 +62,8 @@ TEST(Database, MigratesAnEmptyFileAndReopensItUnchanged) {
 }
 
 TEST(Database, RefusesFilesItCannotUse) {
-  const auto dir = fresh_dir();
+  testing::TempDir tmp;
+  const auto& dir = tmp.path;
   {
     auto db = Database::Open("sqlite3://" + (dir / "future.db").string());
     db->write([](soci::session& sql) {

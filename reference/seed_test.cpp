@@ -10,7 +10,8 @@ namespace kxui::reference {
 namespace {
 
 TEST(Seed, SmallDataSetCoversEveryStatus) {
-  const auto dir = testing::fresh_dir();
+  testing::TempDir tmp;
+  const auto& dir = tmp.path;
   auto db = Database::Open("sqlite3://" + (dir / "seed.db").string());
   SeedOptions options;
   options.users_per_borg = 6;
@@ -50,8 +51,6 @@ TEST(Seed, SmallDataSetCoversEveryStatus) {
   } catch (const Failure& f) {
     EXPECT_EQ(f.number(), error_number(Refusal::kInvalidArgument));
   }
-  db.reset();
-  std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -30,6 +30,15 @@ inline std::filesystem::path fresh_dir() {
   return dir;
 }
 
+// A fresh directory removed with the object.
+struct TempDir {
+  std::filesystem::path path = fresh_dir();
+  ~TempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
 // Who is who in the fixture's organisation "Acme" (USD, 10% tax): alice asks, bob is her
 // manager (limit 1,000), carol his (limit 100,000); dave approves ad hoc, erin stands in
 // for bob; frank works for "Berg" (EUR).
