@@ -2,7 +2,7 @@
 # under the default, sanitizer and clang presets, and builds the example against the
 # installed tree.
 DEB_PACKAGES := g++ clang cmake ninja-build make pkg-config libgtest-dev libgmock-dev \
-                libbenchmark-dev libicu-dev
+                libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 # Rebuilds are cheap where ccache is installed; nothing changes where it is not.

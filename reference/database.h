@@ -1,0 +1,147 @@
+// Database: the reference tier's one connection, over SQLite or PostgreSQL through SOCI.
+// Opening applies the schema migrations; every change runs in one transaction that is
+// rolled back on any failure; database errors come out as Failures with a clear text.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "reference/soci_include.h"
+
+#include "kxui/frame/failure.h"
+#include "kxui/frame/variant.h"
+
+namespace kxui::reference {
+
+enum class Backend { kSqlite, kPostgres };
+
+struct DatabaseOptions {
+  // How long a requisition or order lock holds without being renewed.
+  int32_t lock_minutes = 30;
+  // How long SQLite waits for another writer before answering "busy".
+  int32_t busy_timeout_ms = 5000;
+  // Opens SQLite read-only: reading works, every change fails as "cannot be written to".
+  bool read_only = false;
+  // The clock, in zone 15 (UTC); tests replace it to move time.
+  std::function<Date()> clock;
+};
+
+class Database {
+ public:
+  // Opens "sqlite3://<file>" (or a bare file name) or "postgresql://<conninfo>", then
+  // brings the schema up to date. Throws Failure (busy, read-only, corrupt, a schema
+  // newer than this program, a connection refused) with a clear description.
+  static std::shared_ptr<Database> Open(const std::string& url, DatabaseOptions options = {});
+
+  Backend backend() const { return backend_; }
+  const DatabaseOptions& options() const { return options_; }
+  // The current time in zone 15, whole seconds.
+  Date now() const;
+  // The highest migration applied.
+  int32_t schema_version();
+
+  // Runs `fn(session)` alone on the connection and in one transaction: committed when it
+  // returns, rolled back when it throws. Database errors become Failures.
+  template <class Fn>
+  auto write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
+  // Runs `fn(session)` alone on the connection, outside a transaction of its own.
+  template <class Fn>
+  auto read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
+
+  // A statement prepared once per connection, held with the variables it is bound to.
+  struct PreparedState {
+    virtual ~PreparedState() = default;
+    std::unique_ptr<soci::statement> statement;
+  };
+  // The state S (a PreparedState) kept under `key`: `prepare` builds its statement,
+  // bound to S's own members, the first time; later calls reuse it. Call inside read()
+  // or write(), which keep the connection to one caller at a time.
+  template <class S>
+  S& prepared(const std::string& key, const std::function<void(soci::session&, S&)>& prepare) {
+    std::unique_ptr<PreparedState>& slot = prepared_slot(key);
+    if (!slot) {
+      auto state = std::make_unique<S>();
+      prepare(sql_, *state);
+      slot = std::move(state);
+    }
+    return static_cast<S&>(*slot);
+  }
+
+  ~Database();
+
+ private:
+  Database(Backend backend, DatabaseOptions options);
+  void begin();
+  void commit();
+  void rollback() noexcept;
+  void migrate();
+  std::unique_ptr<PreparedState>& prepared_slot(const std::string& key);
+
+  Backend backend_;
+  DatabaseOptions options_;
+  std::recursive_mutex mutex_;
+  int depth_ = 0;  // nested write() calls join the outer transaction
+  soci::session sql_;
+  struct Cache;
+  std::unique_ptr<Cache> cache_;
+};
+
+using DatabasePtr = std::shared_ptr<Database>;
+
+// Raises the Failure that stands for a database error (the exception in flight).
+[[noreturn]] void raise_database_error(std::string_view what);
+
+template <class Fn>
+auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
+  std::lock_guard<std::recursive_mutex> guard(mutex_);
+  if (depth_ > 0) return fn(sql_);
+  try {
+    begin();
+  } catch (...) {
+    raise_database_error("starting a change");
+  }
+  ++depth_;
+  try {
+    if constexpr (std::is_void_v<decltype(fn(sql_))>) {
+      fn(sql_);
+      --depth_;
+      commit();
+    } else {
+      auto result = fn(sql_);
+      --depth_;
+      commit();
+      return result;
+    }
+  } catch (const Failure&) {
+    depth_ = 0;
+    rollback();
+    throw;
+  } catch (...) {
+    depth_ = 0;
+    rollback();
+    raise_database_error("saving a change");
+  }
+}
+
+template <class Fn>
+auto Database::read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
+  std::lock_guard<std::recursive_mutex> guard(mutex_);
+  try {
+    return fn(sql_);
+  } catch (const Failure&) {
+    throw;
+  } catch (...) {
+    raise_database_error("reading");
+  }
+}
+
+// Dates are stored as "yyyy-mm-dd hh:mm:ss" text in zone 15.
+std::string date_text(Date d);
+Date parse_date_text(const std::string& text);
+
+}  // namespace kxui::reference

@@ -1,0 +1,137 @@
+// Registration: every ProgID the tier registers creates an object of its contract, no
+// member is left at the "not supported" default, and the reference data agrees with the
+// default services.
+#include <gmock/gmock.h>
+
+#include "kxui/business/approvals.h"
+#include "kxui/business/borg_delegation.h"
+#include "kxui/business/commodity.h"
+#include "kxui/business/part_search.h"
+#include "kxui/business/progids.h"
+#include "kxui/business/purchase_order.h"
+#include "kxui/business/requisition.h"
+#include "kxui/business/resource.h"
+#include "kxui/business/templates.h"
+#include "kxui/business/utils.h"
+#include "kxui/business/workflow.h"
+#include "kxui/frame/services.h"
+#include "reference/test_fixture.h"
+
+namespace kxui::reference {
+namespace {
+
+using testing::make_fixture;
+
+// Whether an object offers the contract its ProgID names.
+bool offers_contract(const std::string& id, const ObjectPtr& obj) {
+  using namespace business;
+  const std::pair<std::string_view, std::function<bool(const ObjectPtr&)>> contracts[] = {
+      {progid::Requisition, [](auto& o) { return !!std::dynamic_pointer_cast<Requisition>(o); }},
+      {progid::Templates, [](auto& o) { return !!std::dynamic_pointer_cast<Templates>(o); }},
+      {progid::Workflow, [](auto& o) { return !!std::dynamic_pointer_cast<Workflow>(o); }},
+      {progid::Diagram, [](auto& o) { return !!std::dynamic_pointer_cast<Diagram>(o); }},
+      {progid::Approvals, [](auto& o) { return !!std::dynamic_pointer_cast<Approvals>(o); }},
+      {progid::ApprovalReview, [](auto& o) { return !!std::dynamic_pointer_cast<ApprovalReview>(o); }},
+      {progid::ApprovalItems, [](auto& o) { return !!std::dynamic_pointer_cast<ApprovalItems>(o); }},
+      {progid::Approval, [](auto& o) { return !!std::dynamic_pointer_cast<Approval>(o); }},
+      {progid::BorgDelegation, [](auto& o) { return !!std::dynamic_pointer_cast<BorgDelegation>(o); }},
+      {progid::Utils, [](auto& o) { return !!std::dynamic_pointer_cast<Utils>(o); }},
+      {progid::PartSearch, [](auto& o) { return !!std::dynamic_pointer_cast<PartSearch>(o); }},
+      {progid::Commodity, [](auto& o) { return !!std::dynamic_pointer_cast<Commodity>(o); }},
+      {progid::PurchaseOrder, [](auto& o) { return !!std::dynamic_pointer_cast<PurchaseOrder>(o); }},
+  };
+  for (const auto& [name, check] : contracts) {
+    if (id == name) return check(obj);
+  }
+  // Every other registered name is a resource object.
+  return id.ends_with("03.Resource") && !!std::dynamic_pointer_cast<Resource>(obj);
+}
+
+TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
+  auto f = make_fixture();
+  const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
+  EXPECT_EQ(ids.size(), 17u);
+  EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
+  for (const std::string& id : ids) {
+    SCOPED_TRACE(id);
+    ObjectPtr first = f->runtime->Create(id), second = f->runtime->Create(id);
+    ASSERT_TRUE(first);
+    EXPECT_NE(first, second) << "a new object per creation";
+    EXPECT_TRUE(offers_contract(id, first));
+    auto source = std::dynamic_pointer_cast<ErrorSource>(first);
+    ASSERT_TRUE(source);
+    EXPECT_TRUE(source->GetError());
+  }
+  // Settings and log from the tables when asked for.
+  EXPECT_TRUE(std::dynamic_pointer_cast<TableAppIni>(f->runtime->Create(progid::AppIni)));
+  EXPECT_FALSE(std::dynamic_pointer_cast<TableLog>(f->runtime->Create(progid::NTLog)));
+}
+
+// The requisition contract is the one with defaults: each member must be overridden, so
+// none may answer 438 whatever else it answers.
+TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
+  auto f = make_fixture();
+  auto s = f->session(f->ids.alice);
+  auto req = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+  Variant cd;
+  int32_t a = 0, b = 0, c = 0;
+  Currency m1, m2, m3;
+  const std::pair<const char*, std::function<void()>> members[] = {
+      {"GetRequisitionList", [&] { req->GetRequisitionList(s, "", "", "", "", cd); }},
+      {"UpdateReqName", [&] { req->UpdateReqName(s, 1, "n", cd); }},
+      {"GetReqStatus", [&] { req->GetReqStatus(s, 1, a, b, cd); }},
+      {"GetReqTotals", [&] { req->GetReqTotals(s, 1, "USD", m1, m2, m3, cd); }},
+      {"Save", [&] { req->Save(s, cd); }},
+      {"GetLog", [&] { try { req->GetLog(s, "", cd); } catch (const Failure&) {} }},
+      {"NewLineItem", [&] { EXPECT_TRUE(req->NewLineItem()); }},
+      {"CommitItem", [&] { req->CommitItem(s, "", cd); }},
+      {"CommitSpecialRequestItem", [&] { req->CommitSpecialRequestItem(s, "", cd); }},
+      {"CompleteItem", [&] { req->CompleteItem(s, 1, 1, cd); }},
+      {"UpdateSpecialRequestItem", [&] { req->UpdateSpecialRequestItem(s, cd); }},
+      {"AddFavoriteItem", [&] { req->AddFavoriteItem(s, 1, 1.0, a, b, c, cd); }},
+      {"LockRequisition", [&] { req->LockRequisition(s, 1, cd); }},
+      {"IsLockValid", [&] { req->IsLockValid(s, 1, cd); }},
+      {"ReleaseLocks", [&] { req->ReleaseLocks(s, cd); }},
+      {"SubmitRequisition", [&] { req->SubmitRequisition(s, 1, false, a, cd); }},
+      {"CopyRequisition", [&] { req->CopyRequisition(s, 1, "n", a, b, c, 0, cd); }},
+      {"CancelRequisition", [&] { req->CancelRequisition(s, 1, cd); }},
+      {"DeleteRequisition", [&] { req->DeleteRequisition(s, 1, cd); }},
+      {"MarkAsTemplate", [&] { req->MarkAsTemplate(s, 1, 1, cd); }},
+  };
+  for (const auto& [name, call] : members) {
+    SCOPED_TRACE(name);
+    req->GetError()->SetNumber(0);
+    try {
+      call();
+    } catch (const Failure& failure) {
+      EXPECT_NE(failure.number(), err::kNoSuchMember);
+    }
+    EXPECT_NE(req->GetError()->Number(), err::kNoSuchMember);
+  }
+}
+
+TEST(Register, ReferenceDataIsWhatTheServicesKnow) {
+  auto f = make_fixture();
+  auto money = create_as<CurrencyFormatter>(*f->runtime, service_class::kCurrencyFormatter);
+  auto dates = create_as<DateFormatter>(*f->runtime, service_class::kDateFormatter);
+  const Date noon = Date::from_civil(2026, 7, 1, 12, 0, 0);
+  f->db->read([&](soci::session& sql) {
+    soci::rowset<int> locales = (sql.prepare << "SELECT locale_id FROM locales");
+    for (int locale : locales) {
+      SCOPED_TRACE(locale);
+      EXPECT_NO_THROW(money->FormatCurrencyAmount(locale, "EUR", 1234.5));
+      EXPECT_NO_THROW(dates->FormatDateValue(locale, 2, noon));
+    }
+    soci::rowset<int> zones = (sql.prepare << "SELECT time_zone_id FROM time_zones");
+    int count = 0;
+    for (int zone : zones) {
+      SCOPED_TRACE(zone);
+      EXPECT_NO_THROW(dates->ConvertTimeZone(15, noon, zone));
+      ++count;
+    }
+    EXPECT_EQ(count, 31);
+  });
+}
+
+}  // namespace
+}  // namespace kxui::reference

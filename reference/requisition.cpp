@@ -1,0 +1,307 @@
+// RefRequisition: loading, the list, header, status, totals and log; RefTemplates.
+#include "reference/requisition.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <sstream>
+#include <vector>
+
+#include "reference/errors.h"
+#include "reference/req_store.h"
+#include "reference/rows.h"
+
+namespace kxui::reference {
+
+namespace {
+
+constexpr const char* kReqLocks = "req_locks";
+// The list filters on up to this many statuses, each bound as its own parameter.
+constexpr int kStatusSlots = 12;
+constexpr int kUnusedStatus = -9999;
+
+std::string lower(std::string s) {
+  std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
+  return s;
+}
+
+// The ORDER BY of a caller's sort text: one of the known columns, optionally followed by
+// ASC or DESC. The clause is always one of these constants, never the caller's text.
+std::string order_clause(const std::string& sort_by) {
+  static const std::pair<const char*, const char*> kColumns[] = {
+      {"reqid", "r.req_id"},           {"reqname", "r.req_name"},
+      {"reqstatusid", "r.status_id"},  {"createdate", "r.create_date"},
+      {"submitdate", "r.submit_date"}, {"requisitionername", "u.full_name"}};
+  std::istringstream in(lower(sort_by));
+  std::string column, direction;
+  in >> column >> direction;
+  if (column.empty()) return "r.create_date DESC, r.req_id DESC";
+  for (const auto& [name, expr] : kColumns) {
+    if (column != name) continue;
+    if (direction.empty() || direction == "asc") return std::string(expr) + ", r.req_id";
+    if (direction == "desc") return std::string(expr) + " DESC, r.req_id DESC";
+  }
+  refuse(Refusal::kInvalidArgument, "The requisition list cannot be sorted by \"" + sort_by + "\".");
+}
+
+std::vector<int> status_slots(const std::string& status_list) {
+  std::vector<int> slots;
+  std::stringstream in(status_list);
+  std::string item;
+  while (std::getline(in, item, ',')) {
+    item.erase(0, item.find_first_not_of(" \t"));
+    item.erase(item.find_last_not_of(" \t") + 1);
+    if (item.empty()) continue;
+    try {
+      size_t used = 0;
+      const int v = std::stoi(item, &used);
+      if (used != item.size()) throw std::invalid_argument(item);
+      slots.push_back(v);
+    } catch (const std::exception&) {
+      refuse(Refusal::kInvalidArgument, "\"" + item + "\" in the status list is not a status.");
+    }
+  }
+  if (slots.size() > kStatusSlots) {
+    refuse(Refusal::kInvalidArgument, "The status list names more than 12 statuses.");
+  }
+  return slots;
+}
+
+constexpr Column kListColumns[] = {
+    {"ReqID", Kind::kInt},          {"ReqName", Kind::kText, 100},
+    {"ReqStatusID", Kind::kInt},    {"RequisitionerName", Kind::kText, 100},
+    {"BorgName", Kind::kText, 100}, {"CreateDate", Kind::kDate},
+    {"SubmitDate", Kind::kDate},    {"NumberOfItems", Kind::kInt},
+    {"CurrencyCode", Kind::kText, 3}};
+
+}  // namespace
+
+bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, Variant&) {
+  return answer("Load", false, [&] {
+    const Session& s = session_of(session);
+    auto header = std::make_shared<RefHeader>();
+    db().write([&](soci::session& sql) {
+      std::string create_date;
+      sql << "SELECT r.req_id, r.req_name, r.status_id, r.justification, b.name, u.full_name, "
+             "r.create_date FROM requisitions r JOIN borgs b ON b.borg_id = r.borg_id "
+             "JOIN users u ON u.sys_user_id = r.requisitioner_id WHERE r.req_id = :id",
+          soci::use(req_id), soci::into(header->req_id), soci::into(header->name),
+          soci::into(header->status), soci::into(header->justification),
+          soci::into(header->borg_name), soci::into(header->requisitioner_name),
+          soci::into(create_date);
+      if (!sql.got_data()) load_req(sql, req_id);  // refuses with "does not exist"
+      header->create_date = parse_date_text(create_date);
+      if (lock) take_lock(sql, db(), kReqLocks, req_id, s);
+    });
+    header_ = std::move(header);
+    return true;
+  });
+}
+
+namespace {
+
+// The list statement, prepared once per sort order, with the variables bound to it.
+struct ListStatement : Database::PreparedState {
+  std::string login, borg;
+  int self = 0, all = 0;
+  std::array<int, kStatusSlots> slots{};
+  int req_id = 0, status = 0, items = 0;
+  std::string name, requisitioner, borg_name, created, submitted, currency;
+};
+
+void prepare_list(soci::session& sql, ListStatement& s, const std::string& order) {
+  std::string query =
+      "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
+      "COALESCE(r.submit_date, r.create_date), "
+      "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
+      "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
+      "JOIN borgs b ON b.borg_id = r.borg_id "
+      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
+  for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
+  query += ")) ORDER BY " + order;
+  s.statement = std::make_unique<soci::statement>(sql);
+  soci::statement& st = *s.statement;
+  st.exchange(soci::use(s.login));
+  st.exchange(soci::use(s.self));
+  st.exchange(soci::use(s.login));
+  st.exchange(soci::use(s.borg));
+  st.exchange(soci::use(s.borg));
+  st.exchange(soci::use(s.all));
+  for (int& slot : s.slots) st.exchange(soci::use(slot));
+  st.exchange(soci::into(s.req_id));
+  st.exchange(soci::into(s.name));
+  st.exchange(soci::into(s.status));
+  st.exchange(soci::into(s.requisitioner));
+  st.exchange(soci::into(s.borg_name));
+  st.exchange(soci::into(s.created));
+  st.exchange(soci::into(s.submitted));
+  st.exchange(soci::into(s.items));
+  st.exchange(soci::into(s.currency));
+  st.alloc();
+  st.prepare(query);
+  st.define_and_bind();
+}
+
+}  // namespace
+
+RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
+                                                const std::string& user_name,
+                                                const std::string& borg_name,
+                                                const std::string& sort_by,
+                                                const std::string& status_list, Variant&) {
+  return answer("GetRequisitionList", RecordsetPtr(), [&] {
+    const Session& s = session_of(session);
+    const std::string order = order_clause(sort_by);
+    std::vector<int> slots = status_slots(status_list);
+    const int all_statuses = slots.empty() ? 1 : 0;
+    slots.resize(kStatusSlots, kUnusedStatus);
+    return db().read([&](soci::session&) {
+      ListStatement& q = db().prepared<ListStatement>(
+          "requisition list " + order,
+          [&](soci::session& sql, ListStatement& st) { prepare_list(sql, st, order); });
+      q.login = lower(user_name);
+      q.borg = borg_name;
+      q.self = s.SysUserID();
+      q.all = all_statuses;
+      std::copy(slots.begin(), slots.end(), q.slots.begin());
+      RecordsetPtr rs = make_recordset(kListColumns);
+      q.statement->execute(false);
+      while (q.statement->fetch()) {
+        rs->AddNew();
+        rs->set_value(0, Variant(int32_t{q.req_id}));
+        rs->set_value(1, Variant(q.name));
+        rs->set_value(2, Variant(int32_t{q.status}));
+        rs->set_value(3, Variant(q.requisitioner));
+        rs->set_value(4, Variant(q.borg_name));
+        rs->set_value(5, Variant(parse_date_text(q.created)));
+        rs->set_value(6, Variant(parse_date_text(q.submitted)));
+        rs->set_value(7, Variant(int32_t{q.items}));
+        rs->set_value(8, Variant(q.currency));
+        rs->Update();
+      }
+      if (rs->RecordCount() > 0) rs->MoveFirst();
+      return rs;
+    });
+  });
+}
+
+bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
+                                   const std::string& name, Variant&) {
+  return answer("UpdateReqName", false, [&] {
+    const Session& s = session_of(session);
+    if (name.empty()) refuse(Refusal::kInvalidArgument, "A requisition needs a name.");
+    require_length(name, 100, "A requisition name");
+    db().write([&](soci::session& sql) {
+      const ReqRow req = load_req(sql, req_id);
+      require_requisitioner(req, s, "rename");
+      require_editable(req, "renamed");
+      require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
+      sql << "UPDATE requisitions SET req_name = :n WHERE req_id = :id", soci::use(name),
+          soci::use(req_id);
+      log_req(sql, db(), req_id, s.SysUserID(), "Renamed", name);
+    });
+    return true;
+  });
+}
+
+bool RefRequisition::GetReqStatus(const SessionPtr& session, int32_t req_id, int32_t& status_id,
+                                  int32_t& number_of_items, Variant&) {
+  return answer("GetReqStatus", false, [&] {
+    session_of(session);
+    db().read([&](soci::session& sql) {
+      const ReqRow req = load_req(sql, req_id);
+      int count = 0;
+      sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :id", soci::use(req_id),
+          soci::into(count);
+      status_id = req.status;
+      number_of_items = count;
+    });
+    return true;
+  });
+}
+
+bool RefRequisition::GetReqTotals(const SessionPtr& session, int32_t req_id,
+                                  const std::string& currency_code, Currency& sub_total,
+                                  Currency& estimated_tax, Currency& total, Variant&) {
+  return answer("GetReqTotals", false, [&] {
+    session_of(session);
+    const Totals t =
+        db().read([&](soci::session& sql) { return req_totals(sql, db(), req_id, currency_code); });
+    sub_total = t.sub_total;
+    estimated_tax = t.tax;
+    total = t.total;
+    return true;
+  });
+}
+
+bool RefRequisition::Save(const SessionPtr& session, Variant&) {
+  return answer("Save", false, [&] {
+    const Session& s = session_of(session);
+    if (!header_) refuse(Refusal::kInvalidArgument, "No requisition is loaded to be saved.");
+    // Approvers see the justification in a column of 256 characters.
+    require_length(header_->justification, 256, "A justification");
+    db().write([&](soci::session& sql) {
+      const ReqRow req = load_req(sql, header_->req_id);
+      require_editable(req, "changed");
+      if (!holds_lock(sql, db(), kReqLocks, req.req_id, s)) {
+        refuse(Refusal::kLockNotHeld, "Requisition " + std::to_string(req.req_id) +
+                                          " must be locked by this session to be saved.");
+      }
+      sql << "UPDATE requisitions SET justification = :j WHERE req_id = :id",
+          soci::use(header_->justification), soci::use(req.req_id);
+      log_req(sql, db(), req.req_id, s.SysUserID(), "Changed", "Justification");
+    });
+    return true;
+  });
+}
+
+RecordsetPtr RefRequisition::GetLog(const SessionPtr& session, const std::string& filter,
+                                    Variant&) {
+  // The contract throws; the error is kept in GetError as well.
+  return answer_or_throw("GetLog", [&] {
+    session_of(session);
+    if (!header_) refuse(Refusal::kInvalidArgument, "No requisition is loaded.");
+    static constexpr Column kColumns[] = {{"LogID", Kind::kInt},
+                                          {"DateLogged", Kind::kDate},
+                                          {"UserName", Kind::kText, 100},
+                                          {"Action", Kind::kText, 50},
+                                          {"Comments", Kind::kText, 2000}};
+    return db().read([&](soci::session& sql) {
+      soci::rowset<soci::row> rows =
+          (sql.prepare << "SELECT g.log_id, g.date_logged, u.full_name, g.action, g.comments "
+                          "FROM req_log g JOIN users u ON u.sys_user_id = g.sys_user_id "
+                          "WHERE g.req_id = :id AND (:f = '' OR g.action = :f2) "
+                          "ORDER BY g.log_id",
+           soci::use(header_->req_id), soci::use(filter), soci::use(filter));
+      return to_recordset(rows, kColumns);
+    });
+  });
+}
+
+RecordsetPtr RefTemplates::GetTemplateList(const SessionPtr& session, int32_t req_status_id,
+                                           Variant&) {
+  return answer_or_throw("GetTemplateList", [&] {
+    const Session& s = session_of(session);
+    static constexpr Column kColumns[] = {
+        {"ReqID", Kind::kInt},       {"ReqName", Kind::kText, 100},
+        {"TemplateType", Kind::kInt}, {"OwnerName", Kind::kText, 100},
+        {"NumberOfItems", Kind::kInt}, {"CreateDate", Kind::kDate}};
+    const int user = s.SysUserID(), borg = s.BorgID();
+    // Personal templates (type 1) of the user, shared ones (type 2) of the organisation.
+    return db().read([&](soci::session& sql) {
+      soci::rowset<soci::row> rows =
+          (sql.prepare << "SELECT r.req_id, r.req_name, r.template_type, u.full_name, "
+                          "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), "
+                          "r.create_date FROM requisitions r "
+                          "JOIN users u ON u.sys_user_id = r.requisitioner_id "
+                          "WHERE r.template_type IS NOT NULL AND r.status_id = :st AND "
+                          "(r.requisitioner_id = :u OR (r.template_type = 2 AND r.borg_id = :b)) "
+                          "ORDER BY r.req_name, r.req_id",
+           soci::use(req_status_id), soci::use(user), soci::use(borg));
+      return to_recordset(rows, kColumns);
+    });
+  });
+}
+
+}  // namespace kxui::reference

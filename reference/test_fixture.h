@@ -1,0 +1,161 @@
+// For the reference tier's tests: a fresh database file with a small, known organisation,
+// a runtime with the default services and the reference tier registered, and a clock the
+// test moves.
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "kxui/frame/runtime.h"
+#include "kxui/frame/session.h"
+#include "reference/database.h"
+#include "reference/register.h"
+#include "reference/services.h"
+#include "reference/users.h"
+#include "services/register.h"
+
+namespace kxui::reference::testing {
+
+// A directory of its own per test, removed afterwards.
+inline std::filesystem::path fresh_dir() {
+  static std::atomic<int> counter{0};
+  auto dir = std::filesystem::temp_directory_path() /
+             ("kxref_" + std::to_string(::getpid()) + "_" + std::to_string(counter++));
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir;
+}
+
+// A fresh directory removed with the object.
+struct TempDir {
+  std::filesystem::path path = fresh_dir();
+  ~TempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
+// Who is who in the fixture's organisation "Acme" (USD, 10% tax): alice asks, bob is her
+// manager (limit 1,000), carol his (limit 100,000); dave approves ad hoc, erin stands in
+// for bob; frank works for "Berg" (EUR).
+struct Ids {
+  int32_t acme = 0, berg = 0;
+  int32_t alice = 0, bob = 0, carol = 0, dave = 0, erin = 0, frank = 0;
+  int32_t office = 0, writing = 0, paper = 0, supplier = 0, euro_supplier = 0;
+  int32_t pen = 0, ream = 0, desk = 0;
+};
+
+struct Fixture {
+  std::filesystem::path dir;
+  std::string url;
+  std::shared_ptr<int64_t> clock = std::make_shared<int64_t>(0);
+  DatabasePtr db;
+  std::shared_ptr<Runtime> runtime = std::make_shared<Runtime>();
+  Ids ids;
+
+  DatabaseOptions options() const {
+    DatabaseOptions o;
+    o.clock = [c = clock] { return Date::from_seconds(*c); };
+    return o;
+  }
+  ~Fixture() {
+    runtime.reset();
+    db.reset();
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
+  }
+  void advance_minutes(int64_t minutes) { *clock += minutes * 60; }
+
+  std::shared_ptr<BasicSession> session(int32_t user, int32_t session_id = 1) const {
+    auto s = std::make_shared<BasicSession>();
+    s->sys_user_id = user;
+    s->borg_id = user == ids.frank ? ids.berg : ids.acme;
+    s->value = session_id;
+    return s;
+  }
+};
+
+inline void populate(Fixture& f) {
+  Database& db = *f.db;
+  Ids& i = f.ids;
+  db.write([&](soci::session& sql) {
+    sql << "INSERT INTO currency_rates (currency_code, effective_date, rate) VALUES "
+           "('USD', '2000-01-01 00:00:00', 1.0), ('EUR', '2000-01-01 00:00:00', 0.5), "
+           "('GBP', '2000-01-01 00:00:00', 0.25)";
+    sql << "INSERT INTO borgs (name, currency_code, tax_rate) VALUES ('Acme', 'USD', 0.1) "
+           "RETURNING borg_id", soci::into(i.acme);
+    sql << "INSERT INTO borgs (name, currency_code) VALUES ('Berg', 'EUR') RETURNING borg_id",
+        soci::into(i.berg);
+    sql << "INSERT INTO suppliers (name, currency_code) VALUES ('Office Supplies Inc', 'USD') "
+           "RETURNING supplier_id", soci::into(i.supplier);
+    sql << "INSERT INTO suppliers (name, currency_code) VALUES ('Bürobedarf AG', 'EUR') "
+           "RETURNING supplier_id", soci::into(i.euro_supplier);
+    sql << "INSERT INTO commodities (parent_id, code, name) VALUES (NULL, 'OFF', 'Office') "
+           "RETURNING commodity_id", soci::into(i.office);
+    sql << "INSERT INTO commodities (parent_id, code, name) VALUES (:p, 'WRI', 'Writing') "
+           "RETURNING commodity_id", soci::use(i.office), soci::into(i.writing);
+    sql << "INSERT INTO commodities (parent_id, code, name) VALUES (:p, 'PAP', 'Paper') "
+           "RETURNING commodity_id", soci::use(i.office), soci::into(i.paper);
+    sql << "INSERT INTO parts (supplier_id, supplier_part_num, commodity_id, uom_id, unit_price, "
+           "currency_code, description, long_desc) VALUES (:s, 'P-100', :c, 'EA', 25000, 'USD', "
+           "'Blue ballpoint pen', 'Smooth ink, medium tip') RETURNING part_id",
+        soci::use(i.supplier), soci::use(i.writing), soci::into(i.pen);
+    sql << "INSERT INTO parts (supplier_id, supplier_part_num, commodity_id, uom_id, unit_price, "
+           "currency_code, description) VALUES (:s, 'P-200', :c, 'BX', 1000000, 'USD', "
+           "'Copy paper, 5 reams') RETURNING part_id",
+        soci::use(i.supplier), soci::use(i.paper), soci::into(i.ream);
+    sql << "INSERT INTO parts (supplier_id, supplier_part_num, commodity_id, uom_id, unit_price, "
+           "currency_code, description) VALUES (:s, 'D-1', :c, 'EA', 4000000, 'EUR', "
+           "'Standing desk') RETURNING part_id",
+        soci::use(i.euro_supplier), soci::use(i.office), soci::into(i.desk);
+    sql << "INSERT INTO part_texts (part_id, lang_code, description) VALUES (:p, 'de', "
+           "'Kugelschreiber blau')", soci::use(i.pen);
+  });
+  auto user = [&](const char* login, const char* name, int32_t borg, std::optional<int32_t> mgr,
+                  double limit) {
+    NewUser u;
+    u.borg_id = borg;
+    u.login_id = login;
+    u.full_name = name;
+    u.password = std::string(login) + "-secret";
+    u.manager_id = mgr;
+    u.approval_limit = Currency::from_double(limit);
+    return AddUser(db, u, HashCost::kMinimum);
+  };
+  i.carol = user("carol", "Carol Chief", i.acme, std::nullopt, 100000);
+  i.bob = user("bob", "Bob Boss", i.acme, i.carol, 1000);
+  i.alice = user("alice", "Alice Asker", i.acme, i.bob, 0);
+  i.dave = user("dave", "Dave Adhoc", i.acme, i.carol, 500);
+  i.erin = user("erin", "Erin Standin", i.acme, i.bob, 0);
+  i.frank = user("frank", "Frank Fremd", i.berg, std::nullopt, 0);
+  db.write([&](soci::session& sql) {
+    sql << "INSERT INTO favorites (sys_user_id, part_id) VALUES (:u, :p)", soci::use(i.alice),
+        soci::use(i.ream);
+  });
+  put_setting(db, "Dunmere", "Paging", "Page Size", "2");
+  put_setting(db, "Dunmere", "UI", "DateFormat", "1");
+}
+
+// A fixture over a fresh file: migrated, populated, and registered in its runtime with
+// the default services, then the reference tier's settings table.
+inline std::unique_ptr<Fixture> make_fixture() {
+  auto f = std::make_unique<Fixture>();
+  f->dir = fresh_dir();
+  f->url = "sqlite3://" + (f->dir / "kx.db").string();
+  *f->clock = Date::from_civil(2026, 3, 2, 9, 0, 0).seconds();
+  f->db = Database::Open(f->url, f->options());
+  populate(*f);
+  services::ServiceOptions so;
+  so.ini_directory = f->dir;
+  services::RegisterDefaultServices(*f->runtime, so);
+  RegisterOptions ro;
+  ro.table_settings = true;
+  Register(*f->runtime, f->db, ro);
+  return f;
+}
+
+}  // namespace kxui::reference::testing
