@@ -52,8 +52,9 @@ TEST(Objects, UtilsConvertAtTheRatesInForce) {
     double converted = -99;
     const bool ok = utils.ConvertCurrency(s, c.amount, c.from, c.to, c.at, converted, cd);
     EXPECT_EQ(ok, c.expected >= 0);
-    if (ok) EXPECT_DOUBLE_EQ(converted, c.expected);
-    if (!ok) {
+    if (ok) {
+      EXPECT_DOUBLE_EQ(converted, c.expected);
+    } else {
       EXPECT_EQ(utils.GetError()->Description(),
                 std::string("No exchange rate from USD to ") + c.to + " is known on " +
                     (c.at.is_empty() ? "2026-03-02" : "1999-01-01") + ".");
