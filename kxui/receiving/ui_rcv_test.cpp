@@ -57,8 +57,8 @@ class UIRcvTest : public Test {
   kxui::testing::FakeServices fakes = kxui::testing::FakeServices::install(*env);
   std::shared_ptr<NiceMock<kxui::testing::MockPOReceipt>> rcv =
       std::make_shared<NiceMock<kxui::testing::MockPOReceipt>>();
-  std::shared_ptr<NiceMock<kxui::testing::MockReceivingUtils>> utils =
-      std::make_shared<NiceMock<kxui::testing::MockReceivingUtils>>();
+  std::shared_ptr<NiceMock<kxui::testing::MockUtils>> utils =
+      std::make_shared<NiceMock<kxui::testing::MockUtils>>();
   std::shared_ptr<BasicSession> session = kxui::testing::make_session();
   UIRcv ui{env->runtime};
   Variant custom = Variant("page data");

@@ -10,8 +10,11 @@
 #include "kxui/business/requisition.h"
 #include "kxui/business/utils.h"
 #include "kxui/testing/test_runtime.h"
+#include "kxui/testing/mock_utils.h"
 
 namespace kxui::testing::cart {
+
+using kxui::testing::MockUtils;
 
 class MockCartRequisition : public business::Requisition, public FakeBusinessObject {
  public:
@@ -23,15 +26,6 @@ class MockCartRequisition : public business::Requisition, public FakeBusinessObj
   MOCK_METHOD(bool, UpdateItemQty, (const SessionPtr&, int32_t, int32_t, double, Variant&),
               (override));
   MOCK_METHOD(bool, DeleteItem, (const SessionPtr&, int32_t, int32_t, Variant&), (override));
-};
-
-class MockUtils : public business::Utils, public FakeBusinessObject {
- public:
-  MOCK_METHOD(Variant, GetServerDate, (const SessionPtr&, Variant&), (override));
-  MOCK_METHOD(bool, ConvertCurrency,
-              (const SessionPtr&, double, const std::string&, const std::string&, const Variant&,
-               double&, Variant&),
-              (override));
 };
 
 class MockFavoriteItems : public business::FavoriteItems, public FakeBusinessObject {

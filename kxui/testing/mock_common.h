@@ -16,6 +16,7 @@
 #include "kxui/business/utils.h"
 #include "kxui/frame/runtime.h"
 #include "kxui/testing/test_runtime.h"
+#include "kxui/testing/mock_utils.h"
 
 namespace kxui::testing {
 
@@ -128,13 +129,6 @@ class MockUserPaymentMethod : public business::UserPaymentMethod, public FakeBus
               (override));
   MOCK_METHOD(bool, Update, (S, int32_t, int32_t, const Variant&, int32_t, Variant&), (override));
   MOCK_METHOD(bool, Success, (), (override));
-};
-
-class MockUtils : public business::Utils, public FakeBusinessObject {
- public:
-  MOCK_METHOD(Variant, GetServerDate, (S, Variant&), (override));
-  MOCK_METHOD(bool, ConvertCurrency, (S, double, Str, Str, const Variant&, double&, Variant&),
-              (override));
 };
 
 class MockLoginValidator : public business::LoginValidator {

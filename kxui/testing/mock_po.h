@@ -18,6 +18,7 @@
 #include "kxui/business/utils.h"
 #include "kxui/frame/runtime.h"
 #include "kxui/testing/test_runtime.h"
+#include "kxui/testing/mock_utils.h"
 
 namespace kxui::testing {
 
@@ -173,15 +174,6 @@ class MockPartSearch : public business::PartSearch, public FakeBusinessObject {
   MOCK_METHOD(std::string, LastQueryString, (), (override));
   MOCK_METHOD(bool, DebugMode, (), (override));
   MOCK_METHOD(void, SetDebugMode, (bool), (override));
-};
-
-class MockUtils : public business::Utils, public FakeBusinessObject {
- public:
-  MOCK_METHOD(Variant, GetServerDate, (const SessionPtr&, Variant&), (override));
-  MOCK_METHOD(bool, ConvertCurrency,
-              (const SessionPtr&, double, const std::string&, const std::string&, const Variant&,
-               double&, Variant&),
-              (override));
 };
 
 class MockCursorDataAccess : public business::CursorDataAccess, public FakeBusinessObject {

@@ -7,6 +7,7 @@
 #include "kxui/business/po_receipt.h"
 #include "kxui/business/utils.h"
 #include "kxui/testing/test_runtime.h"
+#include "kxui/testing/mock_utils.h"
 
 namespace kxui::testing {
 
@@ -21,15 +22,6 @@ class MockPOReceipt : public business::POReceipt, public FakeBusinessObject {
   MOCK_METHOD(RecordsetPtr, GetReceiptItemList, (const SessionPtr&, Array&), (override));
   MOCK_METHOD(int32_t, SubmitReceipt,
               (const SessionPtr&, const RecordsetPtr&, const RecordsetPtr&, Array&), (override));
-};
-
-class MockReceivingUtils : public business::Utils, public FakeBusinessObject {
- public:
-  MOCK_METHOD(Variant, GetServerDate, (const SessionPtr&, Variant&), (override));
-  MOCK_METHOD(bool, ConvertCurrency,
-              (const SessionPtr&, double, const std::string&, const std::string&, const Variant&,
-               double&, Variant&),
-              (override));
 };
 
 // Matches a parameter array holding exactly these values, indexed from 0.
