@@ -5,7 +5,7 @@ DEB_PACKAGES := g++ cmake ninja-build make pkg-config libgtest-dev libgmock-dev 
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all deps build test test-default test-asan test-tsan bench demo clean
+.PHONY: all deps build test test-default test-asan test-tsan bench demo clean mutants
 
 all: build
 
@@ -42,6 +42,11 @@ test: test-default test-asan
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
+
+# make mutants FILE=kxui/requisition/ui_req.cpp [ARGS="--max 40"]: mutation testing of one source.
+mutants:
+	@test -n "$(FILE)" || { echo "usage: make mutants FILE=path/to/source.cpp [ARGS='--max N --list']"; exit 2; }
+	python3 tools/mutants.py $(FILE) $(ARGS)
 
 clean:
 	rm -rf build
