@@ -234,7 +234,17 @@ std::string LangFacade::format_msg_text(int16_t id, const std::string& default_s
 }
 
 std::string LangFacade::InsertParams(const std::string& text, const Variant& p_Args) noexcept {
-  return guarded("UILang::InsertParams", text, [&] { return fill_placeholders(text, p_Args); });
+  try {
+    return fill_placeholders(text, p_Args);
+  } catch (...) {
+    record_current_failure("UILang::InsertParams");
+  }
+  // Copying the text back can itself run out of memory: then there is nothing to give.
+  try {
+    return text;
+  } catch (...) {
+    return {};
+  }
 }
 
 }  // namespace kxui::detail
