@@ -124,12 +124,12 @@ bool UIReq::GetTemplateList(const SessionPtr& p_Session, int32_t p_ReqStatusID,
     RecordsetPtr list = templates->GetTemplateList(p_Session, p_ReqStatusID, *p_CustomData);
     Recordset& source = require(list);
     const int32_t page_size = read_page_size(*ini, p_Session, *p_CustomData);
+    // The caller holds the opened empty page from here on, even when paging then fails;
+    // no display columns, so no display context and no session member is read.
+    RecordsetPtr page = open_display_target(source, {}, true);
+    *rsTemplateList = Variant(page);
     const PagingWindow window = compute_paging_window(source.RecordCount(), page_size, p_lPageNum);
-
-    // No display columns: the context only carries the paging through the rebuild.
-    DisplayContext ctx(runtime(), require(p_Session), 2);
-    RecordsetPtr page = rebuild_for_display(source, {}, ctx, window);
-    *rsTemplateList = Variant(std::move(page));
+    fill_display_rows(source, *page, {}, nullptr, window);
     return true;
   });
 }

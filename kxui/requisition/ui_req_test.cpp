@@ -367,22 +367,69 @@ TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
   EXPECT_EQ((*log)["UIDisplay_DateLogged"].Value().to_string(), "1033/2/2024-03-06");
 }
 
+// A session whose members cannot be read: operations that must not read them use it.
+struct UnreadableSession : BasicSession {
+  int32_t LocaleID() const override { throw Failure(5, "Session", "not here"); }
+  int32_t TimeZoneID() const override { throw Failure(5, "Session", "not here"); }
+};
+
 TEST_F(UIReqTest, GetTemplateListPagesTheTemplatesWithoutDisplayColumns) {
   auto templates = std::make_shared<NiceMock<MockTemplates>>();
   env->provide(progid::Templates, templates);
   std::vector<std::vector<Variant>> rows;
   for (int32_t i = 1; i <= 25; ++i) rows.push_back({Variant(i)});
-  ON_CALL(*templates, GetTemplateList(_, 3, _))
-      .WillByDefault(Return(kxui::testing::make_recordset({{"ID", adInteger, 0, adFldUnspecified}},
-                                                          rows)));
+  EXPECT_CALL(*templates, GetTemplateList(_, 3, _))
+      .WillRepeatedly(Return(kxui::testing::make_recordset({{"ID", adInteger}}, rows)));
+  const SessionPtr unreadable = std::make_shared<UnreadableSession>();
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "10");
+  // Per page: rows, then the first row's ID and its five paging values.
+  const std::tuple<int32_t, int32_t, Values> cases[] = {
+      {0, 10, {1, 10, 1, 25, 1, 10}},
+      {2, 10, {11, 10, 2, 25, 11, 20}},
+      {-1, 5, {21, 10, 3, 25, 21, 25}},
+  };
+  for (const auto& [page_num, count, first_row] : cases) {
+    SCOPED_TRACE(page_num);
+    Variant page = Variant("in");
+    ASSERT_TRUE(ui.GetTemplateList(unreadable, 3, page_num, page)) << ui.Error()->Description();
+    auto rs = page.as<Recordset>();
+    EXPECT_EQ(rs->RecordCount(), count);
+    Values row;
+    for (int32_t i = 0; i < rs->GetFields().Count(); ++i) row.push_back(rs->value(i));
+    EXPECT_EQ(row, first_row);
+  }
+}
+
+// The page is handed over once the list and "Page Size" are read: a failure after that
+// leaves the opened empty page, one before it the caller's value.
+TEST_F(UIReqTest, GetTemplateListHandsOverThePageBeforePaging) {
+  auto templates = std::make_shared<NiceMock<MockTemplates>>();
+  env->provide(progid::Templates, templates);
+  ON_CALL(*templates, GetTemplateList)
+      .WillByDefault(Return(kxui::testing::make_recordset({{"ID", adInteger}}, {{1}, {2}})));
+  const std::tuple<const char*, int32_t, int32_t> cases[] = {
+      {"0", 11, 6},   // division by zero while paging: the empty page is there
+      {"x", 13, 0},   // unreadable setting: nothing handed over
+  };
+  for (const auto& [size, number, columns] : cases) {
+    SCOPED_TRACE(size);
+    fakes.ini->set("Page Size", "Paging", "Dunmere", size);
+    Variant page = Variant("in");
+    EXPECT_FALSE(ui.GetTemplateList(session, 3, 0, page));
+    EXPECT_THAT(ui.Error(), ErrorIs(number, "UIReq::GetTemplateList "));
+    if (columns == 0) {
+      EXPECT_EQ(page, Variant("in"));
+      continue;
+    }
+    auto rs = page.as<Recordset>();
+    ASSERT_NE(rs, nullptr);
+    EXPECT_EQ(rs->GetFields().Count(), columns);
+    EXPECT_EQ(rs->RecordCount(), 0);
+  }
+  ON_CALL(*templates, GetTemplateList).WillByDefault(Return(nullptr));
   Variant page = Variant("in");
-  ASSERT_TRUE(ui.GetTemplateList(session, 3, 0, page));
-  auto rs = page.as<Recordset>();
-  EXPECT_EQ(rs->RecordCount(), 20);
-  EXPECT_EQ(rs->GetFields().Count(), 6);
-  ASSERT_TRUE(ui.GetTemplateList(session, 3, 2, page));
-  rs = page.as<Recordset>();
-  EXPECT_EQ((Values{rs->value(0), rs->value(4), rs->value(5)}), (Values{21, 21, 25}));
+  EXPECT_FALSE(ui.GetTemplateList(session, 3, 0, page));
+  EXPECT_EQ(page, Variant("in"));
 }
 
 }  // namespace

@@ -126,7 +126,8 @@ TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
 TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
   EXPECT_CALL(*review, GetReviewerList(session, "ReqID", _))
       .WillOnce(Return(reviewer_list(
-          {Variant("  needs a quote  "), Variant::null(), Variant("d\xC3\xA9j\xC3\xA0")})));
+          {Variant("  needs a quote  "), Variant::null(), Variant("d\xC3\xA9j\xC3\xA0"),
+           Variant("\tok\r\n ")})));
   auto page = ui.GetReviewerListPage(session, "ReqID", 0);
   ASSERT_NE(page, nullptr);
   EXPECT_EQ(layout_of(*page),
@@ -138,7 +139,8 @@ TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
     const Variant& v = (*page)["UIDisplay_CommentsLength"].Value();
     lengths.push_back(v.is_null() ? "Null" : v.to_string());
   }
-  EXPECT_EQ(lengths, (std::vector<std::string>{"13", "Null", "4"})) << "trimmed, in characters";
+  EXPECT_EQ(lengths, (std::vector<std::string>{"13", "Null", "4", "5"}))
+      << "spaces trimmed, tabs and line breaks counted, in characters";
 }
 
 TEST_F(UIWFListsTest, ListPagesOnlyTakeMinusOneAsTheLastPage) {
@@ -184,6 +186,28 @@ TEST_F(UIWFListsTest, EachListAcceptsOnlyItsOwnResultCode) {
     check(ui.GetReviewerListPage(session, "", 0), "UIWF::GetReviewerListPage", 7);
     check(ui.GetReviewListRs(session, 8), "UIWF::GetReviewListRs", 7);
     check(ui.GetApprovalItemsRs(session, 8, 1), "UIWF::GetApprovalItemsRs", 6);
+  }
+}
+
+// The session's locale and zone and the date formatter come first: without them the
+// list is never asked for, even one the business tier would give as nothing.
+TEST_F(UIWFListsTest, WorkListsNeedTheSessionAndFormatterBeforeTheBusinessCall) {
+  EXPECT_CALL(*approvals, GetApproverList).Times(0);
+  EXPECT_CALL(*review, GetReviewerList).Times(0);
+  const std::tuple<const char*, SessionPtr, bool, int32_t> cases[] = {
+      {"no session", nullptr, true, err::kObjectNotSet},
+      {"no date formatter", session, false, 429},
+  };
+  for (const auto& [name, s, formatter, number] : cases) {
+    SCOPED_TRACE(name);
+    if (!formatter) env->runtime->Unregister(service_class::kDateFormatter);
+    EXPECT_EQ(ui.GetApproverListPage(s, "", 0), nullptr);
+    EXPECT_FALSE(ui.Success());
+    EXPECT_EQ(ui.Error()->Number(), number);
+    EXPECT_THAT(ui.Error()->Source(), StartsWith("UIWF::GetApproverListPage"));
+    EXPECT_EQ(ui.GetReviewerListPage(s, "", 0), nullptr);
+    EXPECT_FALSE(ui.Success());
+    EXPECT_THAT(ui.Error()->Source(), StartsWith("UIWF::GetReviewerListPage"));
   }
 }
 
