@@ -57,9 +57,7 @@ RecordsetPtr UIWF::GetApproverListPage(const SessionPtr& p_Session, const std::s
         auto approvals = create<business::Approvals>(progid::Approvals);
         DisplayContext ctx = work_list_context(runtime(), *ini, p_Session, *p_CustomData);
         RecordsetPtr list = approvals->GetApproverList(p_Session, p_sSortBy, *p_CustomData);
-        if (!approvals->Success() && approvals->ResultCode() != kApproverListNoData) {
-          raise_business_error(*approvals);
-        }
+        check(*approvals, approvals->Success() || approvals->ResultCode() == kApproverListNoData);
         if (!list) return nullptr;
         static const std::vector<DisplayColumn> columns = {
             date_display("ApproveBeginDate", "UIDisplay_ReceivedDate"),
@@ -80,9 +78,7 @@ RecordsetPtr UIWF::GetReviewerListPage(const SessionPtr& p_Session, const std::s
         auto review = create<business::ApprovalReview>(progid::ApprovalReview);
         DisplayContext ctx = work_list_context(runtime(), *ini, p_Session, *p_CustomData);
         RecordsetPtr list = review->GetReviewerList(p_Session, p_sSortBy, *p_CustomData);
-        if (!review->Success() && review->ResultCode() != kReviewNoData) {
-          raise_business_error(*review);
-        }
+        check(*review, review->Success() || review->ResultCode() == kReviewNoData);
         if (!list) return nullptr;
         static const std::vector<DisplayColumn> columns = {
             date_display("ReqCreateDate", "UIDisplay_CreateDate"),
@@ -101,9 +97,7 @@ RecordsetPtr UIWF::GetReviewListRs(const SessionPtr& p_Session, int32_t p_lReqID
       [&] {
         auto review = create<business::ApprovalReview>(progid::ApprovalReview);
         RecordsetPtr list = review->GetReviewList(p_Session, p_lReqID, p_lReviewerID, *p_CustomData);
-        if (!review->Success() && review->ResultCode() != kReviewNoData) {
-          raise_business_error(*review);
-        }
+        check(*review, review->Success() || review->ResultCode() == kReviewNoData);
         return list;
       },
       Track::kSuccess);
@@ -120,7 +114,7 @@ RecordsetPtr UIWF::GetApproverSearchResultsRs(const SessionPtr& p_Session, int32
         RecordsetPtr found = workflow->GetApproverSearchResults(p_Session, p_lReqID, p_sSearchName,
                                                                 p_sSearchLogin, *p_CustomData);
         success_ = workflow->Success();
-        if (!success_) raise_business_error(*workflow);
+        check(*workflow, success_);
         return found;
       },
       Track::kSuccess);
