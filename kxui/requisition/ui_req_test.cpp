@@ -1,6 +1,7 @@
 #include "kxui/requisition/ui_req.h"
 
 #include <functional>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,6 +44,13 @@ class MockRequisition : public business::Requisition, public kxui::testing::Fake
               (S, int32_t, Str, int32_t&, int32_t&, int32_t&, int32_t, Variant&), (override));
   MOCK_METHOD(bool, MarkAsTemplate, (S, int32_t, int32_t, Variant&), (override));
   MOCK_METHOD(RecordsetPtr, GetLog, (S, Str, Variant&), (override));
+  MOCK_METHOD(bool, UpdateReqName, (S, int32_t, Str, Variant&), (override));
+  MOCK_METHOD(bool, Save, (S, Variant&), (override));
+  MOCK_METHOD(void, LockRequisition, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(void, IsLockValid, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, ReleaseLocks, (S, Variant&), (override));
+  MOCK_METHOD(bool, CancelRequisition, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, DeleteRequisition, (S, int32_t, Variant&), (override));
 };
 
 class MockTemplates : public business::Templates, public kxui::testing::FakeBusinessObject {
@@ -53,12 +61,13 @@ class MockTemplates : public business::Templates, public kxui::testing::FakeBusi
 struct FakeHeader : business::RequisitionHeader {
   std::string ReqName() override { return name; }
   int32_t ReqStatusID() override { return status; }
-  std::string Justification() override { return ""; }
-  void SetJustification(const std::string&) override {}
+  std::string Justification() override { return justification; }
+  void SetJustification(const std::string& text) override { justification = text; }
   Variant CreateDate() override { return created; }
-  std::string BorgName() override { return ""; }
-  std::string RequisitionerName() override { return ""; }
+  std::string BorgName() override { return "Works"; }
+  std::string RequisitionerName() override { return "Ann Lee"; }
   std::string name = "Office chairs";
+  std::string justification = "Needed for Q3";
   int32_t status = 1;
   Variant created = Variant::null();
 };
@@ -169,12 +178,15 @@ TEST_F(UIReqTest, GetListPageAddsDisplayAndPagingColumnsAndClampsThePage) {
   EXPECT_CALL(*req, GetRequisitionList(Eq(session), "alice", "Works", "CreateDate", "1,3", _))
       .WillRepeatedly(Return(list));
   ON_CALL(*req, Success).WillByDefault(Return(true));
-  fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
+  // Both settings differ from their defaults (20 rows, date style 2).
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "10");
+  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
   // Per page: its row count, then the first row's display dates and paging values.
   const std::tuple<int32_t, int32_t, Values> cases[] = {
-      {0, 20, {"1033/2/2024-03-02", "1033/2/2024-03-02", 20, 1, 45, 1, 20}},
-      {9, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}},
-      {-1, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}}};
+      {0, 10, {"1033/1/2024-03-02", "1033/1/2024-03-02", 10, 1, 45, 1, 10}},
+      {2, 10, {"1033/1/2024-03-12", "1033/1/2024-03-12", 10, 2, 45, 11, 20}},
+      {9, 5, {"1033/1/2024-03-14", "1033/1/2024-03-14", 10, 5, 45, 41, 45}},
+      {-1, 5, {"1033/1/2024-03-14", "1033/1/2024-03-14", 10, 5, 45, 41, 45}}};
   for (const auto& [page, count, first_row] : cases) {
     SCOPED_TRACE(page);
     auto rs = ui.GetListPage(session, "alice", "Works", "CreateDate", "1,3", page);
@@ -230,6 +242,11 @@ TEST_F(UIReqTest, BusinessFailuresAreRecordedUnderTheOperation) {
       {"UIReq::GetReqTotals", [&] { return ui.GetReqTotals(session, 5, out, v2, v3); }},
       {"UIReq::CopyReq", [&] { return ui.CopyReq(session, 5, "Copy", out, v2, v3); }},
       {"Requisition::SubmitReq", [&] { return ui.SubmitReq(session, 5); }},
+      {"UIReq::GetHeaderJustification",
+       [&] { return ui.GetHeaderJustification(session, 5, out, v2); }},
+      {"UIReq::GetLogRequisition",
+       [&] { return ui.GetLogRequisition(session, 5, out, v2, v3, v3, v3, v3) != nullptr; }},
+      {"UIReq::CreateTemplate", [&] { return ui.CreateTemplate(session, 5, "T", 1); }},
   };
   for (const auto& [source, call] : cases) {
     SCOPED_TRACE(source);
@@ -352,8 +369,10 @@ TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
   header->created = Variant(Date::from_civil(2024, 3, 5, 23, 0, 0));
   session->time_zone_id = 16;  // one hour east: the next day
   ON_CALL(*req, Load(_, 7, true, _)).WillByDefault(Return(true));
-  ON_CALL(*req, GetReqTotals).WillByDefault(DoAll(SetArgReferee<5>(Currency::from_double(9.5)),
-                                                  Return(true)));
+  EXPECT_CALL(*req, GetReqTotals(_, 7, "USD", _, _, _, _))
+      .WillOnce(DoAll(SetArgReferee<3>(Currency::from_double(1)),
+                      SetArgReferee<4>(Currency::from_double(2)),
+                      SetArgReferee<5>(Currency::from_double(9.5)), Return(true)));
   Date logged = Date::from_civil(2024, 3, 6, 8, 0, 0);
   EXPECT_CALL(*req, GetLog(_, "", _))
       .WillOnce(Return(kxui::testing::make_recordset({{"DateLogged", adDate, 0, adFldUnspecified}},
@@ -361,10 +380,101 @@ TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
   Variant name, who, created, cost, why, currency;
   auto log = ui.GetLogRequisition(session, 7, name, who, created, cost, why, currency);
   ASSERT_NE(log, nullptr) << ui.Error()->Description();
-  EXPECT_EQ((Values{name, created, cost}),
-            (Values{"Office chairs", "1033/2/2024-03-06", "USD 9.50@1033"}));
+  EXPECT_EQ((Values{name, who, created, cost, why, currency}),
+            (Values{"Office chairs", "Ann Lee", "1033/2/2024-03-06", "USD 9.50@1033",
+                    "Needed for Q3", "USD"}));
   EXPECT_EQ(log->RecordCount(), 2);
   EXPECT_EQ((*log)["UIDisplay_DateLogged"].Value().to_string(), "1033/2/2024-03-06");
+}
+
+// Writes a reply into the custom data (the last argument) and answers `result`.
+auto answer(bool result) {
+  return [result](auto&&... args) {
+    std::get<sizeof...(args) - 1>(std::tie(args...)) = Variant("from business");
+    return result;
+  };
+}
+
+// The one-request operations: each passes the session, its own arguments and the
+// caller's custom data (by reference) to its own request, and reports a refusal under
+// its own source. The two lock tests read the answer from Success.
+TEST_F(UIReqTest, OneRequestOperationsPassTheirArgumentsAndReportRefusals) {
+  const Variant custom_in = Variant(int32_t{77});
+  const auto lock_answer = [&](bool r) {
+    EXPECT_CALL(*req, Success()).WillOnce(Return(r));
+    return [](auto&, auto, Variant& custom) { custom = Variant("from business"); };
+  };
+  const std::tuple<const char*, std::function<void(bool)>, std::function<bool(Variant&)>> cases[] =
+      {
+          {"UIReq::ReqLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, LockRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(lock_answer(r));
+           },
+           [&](Variant& c) { return ui.ReqLock(session, 7, c); }},
+          {"UIReq::IsValidLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, IsLockValid(Eq(session), 7, Eq(custom_in))).WillOnce(lock_answer(r));
+           },
+           [&](Variant& c) { return ui.IsValidLock(session, 7, c); }},
+          {"UIReq::ReleaseLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, ReleaseLocks(Eq(session), Eq(custom_in))).WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.ReleaseLock(session, c); }},
+          {"UIReq::CancelReq",
+           [&](bool r) {
+             EXPECT_CALL(*req, CancelRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.CancelReq(session, 7, c); }},
+          {"UIReq::DeleteReq",
+           [&](bool r) {
+             EXPECT_CALL(*req, DeleteRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.DeleteReq(session, 7, c); }},
+          {"UIReq::UpdateReqName",
+           [&](bool r) {
+             EXPECT_CALL(*req, UpdateReqName(Eq(session), 7, "Desks", Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.UpdateReqName(session, 7, "Desks", c); }},
+      };
+  for (const auto& [source, expect, call] : cases) {
+    for (bool result : {true, false}) {
+      SCOPED_TRACE(std::string(source) + (result ? " granted" : " refused"));
+      ui.Error()->SetNumber(0);
+      expect(result);
+      Variant custom = custom_in;
+      EXPECT_EQ(call(custom), result);
+      EXPECT_EQ(custom, Variant("from business"));
+      if (result) {
+        EXPECT_EQ(ui.Error()->Number(), 0);
+      } else {
+        EXPECT_THAT(ui.Error(), ErrorIs(99, std::string(source) + " Requisition"));
+      }
+      Mock::VerifyAndClearExpectations(req.get());
+    }
+  }
+}
+
+// Read with the lock; written by loading with the lock, setting the text, then saving.
+TEST_F(UIReqTest, JustificationIsReadLockedAndSavedAfterItIsSet) {
+  header->status = 2;
+  EXPECT_CALL(*req, Load(_, 3, true, _)).WillRepeatedly(Return(true));
+  Variant text, editable;
+  ASSERT_TRUE(ui.GetHeaderJustification(session, 3, text, editable));
+  EXPECT_EQ((Values{text, editable}), (Values{"Needed for Q3", false}));
+
+  std::string saved;
+  EXPECT_CALL(*req, Save(Eq(session), _))
+      .WillOnce([&](auto&, auto&) { return saved = header->justification, true; })
+      .WillOnce(Return(false));
+  EXPECT_TRUE(ui.SetHeaderJustification(session, 3, "Two more desks"));
+  EXPECT_EQ(saved, "Two more desks");
+  EXPECT_FALSE(ui.SetHeaderJustification(session, 3, "Three"));
+  EXPECT_THAT(ui.Error(), ErrorIs(99, "UIReq::SetHeaderJustification Requisition"));
 }
 
 // A session whose members cannot be read: operations that must not read them use it.

@@ -42,6 +42,21 @@ class MockRequisition : public business::Requisition, public testing::FakeBusine
   MOCK_METHOD(bool, Success, ());
 };
 
+class MockApproval : public business::Approval, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (const SessionPtr&, int32_t, int32_t, Variant&));
+  MOCK_METHOD(std::string, ApprovalTypeDesc, ());
+  MOCK_METHOD(int32_t, ApprovalStatusID, ());
+  MOCK_METHOD(int32_t, ApproverID, ());
+  MOCK_METHOD(Variant, ReceivedDate, ());
+};
+
+struct Item : business::ApprovalItem {
+  explicit Item(int32_t n) : line(n) {}
+  int32_t LineNum() override { return line; }
+  int32_t line;
+};
+
 class Header : public business::RequisitionHeader {
  public:
   std::string ReqName() override { return "Laptops"; }
@@ -228,6 +243,50 @@ TEST_F(UIWFListsTest, HeaderWithoutASequenceLeavesTheApprovalColumnsEmpty) {
   req->fail_with(31, "Requisition", "locked by Bo");
   EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
   EXPECT_THAT(ui.Error(), ErrorIs(31, "UIReq::GetHeaderRs Requisition"));
+}
+
+// With a step (0 counts), the approval of that requisition and step fills the last four
+// columns; its refusal fails the header.
+TEST_F(UIWFListsTest, HeaderWithAStepFillsTheApprovalColumns) {
+  auto approval = std::make_shared<NiceMock<MockApproval>>();
+  env->provide(progid::Approval, approval);
+  ON_CALL(*approval, ApprovalTypeDesc()).WillByDefault(Return("Budget"));
+  ON_CALL(*approval, ApprovalStatusID()).WillByDefault(Return(3));
+  ON_CALL(*approval, ApproverID()).WillByDefault(Return(42));
+  ON_CALL(*approval, ReceivedDate())
+      .WillByDefault(Return(Variant(Date::from_civil(2024, 4, 2, 23, 0, 0))));
+  EXPECT_CALL(*req, Load(session, 8, true, _)).WillRepeatedly(Return(true));
+  for (int32_t step : {0, 2}) {
+    SCOPED_TRACE(step);
+    EXPECT_CALL(*approval, Load(session, 8, step, _)).WillOnce(Return(true));
+    auto rs = ui.GetHeaderRs(session, 8, step, true);
+    ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+    EXPECT_EQ((std::vector<Variant>{rs->value(5), rs->value(6), rs->value(7), rs->value(8)}),
+              (std::vector<Variant>{Variant("Budget"), Variant("3"), Variant("1033/2/2024-04-02"),
+                                    Variant(int32_t{42})}));
+  }
+  approval->fail_with(32, "Approval", "no such step");
+  EXPECT_CALL(*approval, Load).WillOnce(Return(false));
+  EXPECT_EQ(ui.GetHeaderRs(session, 8, 1, true), nullptr);
+  EXPECT_FALSE(ui.Success());
+  EXPECT_THAT(ui.Error(), ErrorIs(32, "UIReq::GetHeaderRs Approval"));
+}
+
+// One row per item, in collection order, left on the last row added.
+TEST_F(UIWFListsTest, ApprovalItemsListTheStepsLinesInOrder) {
+  EXPECT_CALL(*items, Load(session, 8, 2, _)).WillOnce(Return(true));
+  ON_CALL(*items, Items())
+      .WillByDefault(Return(std::vector<std::shared_ptr<business::ApprovalItem>>{
+          std::make_shared<Item>(4), std::make_shared<Item>(7), std::make_shared<Item>(1)}));
+  auto rs = ui.GetApprovalItemsRs(session, 8, 2);
+  ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+  EXPECT_TRUE(ui.Success());
+  EXPECT_EQ(layout_of(*rs), "LineNum int");
+  EXPECT_EQ(rs->value(0), Variant(int32_t{1})) << "on the last row";
+  std::vector<Variant> lines;
+  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) lines.push_back(rs->value(0));
+  EXPECT_EQ(lines,
+            (std::vector<Variant>{Variant(int32_t{4}), Variant(int32_t{7}), Variant(int32_t{1})}));
 }
 
 }  // namespace
