@@ -299,5 +299,17 @@ TEST_F(UIWFActionsTest, SearchesPassTheirTermsAndReturnTheResultUnchanged) {
   }
 }
 
+// A delegation object that cannot be created is a failure, not a "No"; the class records
+// its own creation failures under its name.
+TEST_F(UIWFActionsTest, FailuresBeforeAnyBusinessCallAreRecordedUnderTheOperation) {
+  env->runtime->Unregister(progid::BorgDelegation);
+  EXPECT_FALSE(ui.CheckDelegationEnabled(session));
+  EXPECT_FALSE(ui.Success());
+  EXPECT_THAT(ui.Error(), ErrorIs(429, "UIWF::CheckDelegationEnabled KxWF03.BorgDelegation"));
+  env->fail_error_creation = true;
+  EXPECT_THAT(UIWF(env->runtime).Error(),
+              ErrorIs(429, "UIWF::Class_Initialize KxUtility03.KxError"));
+}
+
 }  // namespace
 }  // namespace kxui
