@@ -542,5 +542,26 @@ TEST_F(UIReqTest, GetTemplateListHandsOverThePageBeforePaging) {
   EXPECT_EQ(page, Variant("in"));
 }
 
+// A copy reported as done without its figures counts as no copy: the outputs are 0 and no
+// template is marked.
+TEST_F(UIReqTest, CopiesWithoutFiguresGiveZeroAndMarkNothing) {
+  EXPECT_CALL(*req, CopyRequisition).WillRepeatedly(Return(true));
+  EXPECT_CALL(*req, MarkAsTemplate).Times(0);
+  Variant new_id = Variant("?"), items = Variant("?"), copied = Variant("?");
+  ASSERT_TRUE(ui.CopyReq(session, 30, "Chairs", new_id, items, copied));
+  EXPECT_EQ((Values{new_id, items, copied}), (Values{0, 0, 0}));
+  EXPECT_FALSE(ui.CreateTemplate(session, 30, "Chairs", 2));
+  // A favourite stored without its line and form reports 0 for both.
+  EXPECT_CALL(*req, AddFavoriteItem).WillOnce(Return(true));
+  ASSERT_TRUE(favorite("1"));
+  expect_in_outs(12, 0, 0);
+}
+
+TEST_F(UIReqTest, CreationFailuresAreRecordedUnderTheClassName) {
+  env->fail_error_creation = true;
+  EXPECT_THAT(UIReq(env->runtime).Error(),
+              ErrorIs(429, "UIReq::Class_Initialize KxUtility03.KxError"));
+}
+
 }  // namespace
 }  // namespace kxui

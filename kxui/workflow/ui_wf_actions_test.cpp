@@ -132,15 +132,22 @@ TEST_F(UIWFActionsTest, ActionsPassTheirArgumentsAndReportTheBusinessError) {
 
 TEST_F(UIWFActionsTest, BuildApprovalProcessNeverTouchesTheCallersCounter) {
   EXPECT_CALL(*wf, BuildApprovalProcess(session, 8, true, Eq(0), _))  // a fresh counter
-      .WillOnce(DoAll(SetArgReferee<3>(9), Return(true)));
+      .WillOnce(DoAll(SetArgReferee<3>(9), Return(true)))
+      .WillOnce(DoAll(SetArgReferee<3>(9), Return(false)));
   int16_t count = 5;
   EXPECT_TRUE(ui.BuildApprovalProcess(session, 8, true, count));
   EXPECT_EQ(count, 5);
+  wf->fail_with(kRefused, "Workflow", "no route");
+  EXPECT_FALSE(ui.BuildApprovalProcess(session, 8, true, count));
+  EXPECT_EQ(count, 5);
+  EXPECT_THAT(ui.Error(), ErrorIs(kRefused, "UIWF::BuildApprovalProcess Workflow"));
 }
 
 TEST_F(UIWFActionsTest, GetApprovalCountKeepsTheBusinessCountOnFailure) {
-  EXPECT_CALL(*wf, GetApprovalCount(session, 8, _)).WillOnce(Return(3));
-  EXPECT_CALL(*wf, Success()).WillOnce(Return(false));
+  EXPECT_CALL(*wf, GetApprovalCount(session, 8, _)).WillOnce(Return(4)).WillOnce(Return(3));
+  EXPECT_CALL(*wf, Success()).WillOnce(Return(true)).WillOnce(Return(false));
+  EXPECT_EQ(ui.GetApprovalCount(session, 8), 4);
+  EXPECT_TRUE(ui.Success());
   wf->fail_with(kRefused, "Workflow", "route not built");
   EXPECT_EQ(ui.GetApprovalCount(session, 8), 3);
   EXPECT_FALSE(ui.Success());
