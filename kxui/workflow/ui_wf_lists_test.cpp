@@ -126,6 +126,7 @@ class UIWFListsTest : public ::testing::Test {
 };
 
 TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
+  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
   EXPECT_CALL(*approvals, GetApproverList(session, "ReqID DESC", _))
       .WillOnce(Return(approver_list(3)));
   auto page = ui.GetApproverListPage(session, "ReqID DESC", 0);
@@ -134,8 +135,8 @@ TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
             "ReqID int, ReqCreateDate date, ApproveBeginDate date, "
             "UIDisplay_ReceivedDate text100, UIDisplay_CreateDate text100" +
                 kPaging);
-  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value(), Variant("1033/2/2024-03-02"));
-  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value(), Variant("1033/2/2024-04-02"));
+  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value(), Variant("1033/1/2024-03-02"));
+  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value(), Variant("1033/1/2024-04-02"));
 }
 
 TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
@@ -243,6 +244,12 @@ TEST_F(UIWFListsTest, HeaderWithoutASequenceLeavesTheApprovalColumnsEmpty) {
   req->fail_with(31, "Requisition", "locked by Bo");
   EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
   EXPECT_THAT(ui.Error(), ErrorIs(31, "UIReq::GetHeaderRs Requisition"));
+
+  // Loaded, but without a header object.
+  EXPECT_CALL(*req, Load).WillOnce(Return(true));
+  EXPECT_CALL(*req, Header()).WillOnce(Return(nullptr));
+  EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
+  EXPECT_THAT(ui.Error(), ErrorIs(91, "UIReq::GetHeaderRs "));
 }
 
 // With a step (0 counts), the approval of that requisition and step fills the last four
@@ -282,6 +289,7 @@ TEST_F(UIWFListsTest, ApprovalItemsListTheStepsLinesInOrder) {
   ASSERT_NE(rs, nullptr) << ui.Error()->Description();
   EXPECT_TRUE(ui.Success());
   EXPECT_EQ(layout_of(*rs), "LineNum int");
+  EXPECT_EQ(rs->CursorLocation(), adUseClient);
   EXPECT_EQ(rs->value(0), Variant(int32_t{1})) << "on the last row";
   std::vector<Variant> lines;
   for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) lines.push_back(rs->value(0));
