@@ -313,6 +313,10 @@ TEST_F(UIWFActionsTest, FailuresBeforeAnyBusinessCallAreRecordedUnderTheOperatio
   EXPECT_FALSE(ui.CheckDelegationEnabled(session));
   EXPECT_FALSE(ui.Success());
   EXPECT_THAT(ui.Error(), ErrorIs(429, "UIWF::CheckDelegationEnabled KxWF03.BorgDelegation"));
+  env->runtime->Unregister(progid::Workflow);
+  EXPECT_EQ(ui.GetApprovalCount(session, 8), 0) << "no count without a workflow object";
+  EXPECT_FALSE(ui.Success());
+  EXPECT_THAT(ui.Error(), ErrorIs(429, "UIWF::GetApprovalCount KxWF03.Workflow"));
   env->fail_error_creation = true;
   EXPECT_THAT(UIWF(env->runtime).Error(),
               ErrorIs(429, "UIWF::Class_Initialize KxUtility03.KxError"));
