@@ -10,7 +10,7 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean
+        bench clean mutants
 
 all: build
 
@@ -68,6 +68,11 @@ test: test-default test-install test-asan test-clang
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
+
+# make mutants FILE=kxui/requisition/ui_req.cpp [ARGS="--max 40"]: mutation testing of one source.
+mutants:
+	@test -n "$(FILE)" || { echo "usage: make mutants FILE=path/to/source.cpp [ARGS='--max N --list']"; exit 2; }
+	python3 tools/mutants.py $(FILE) $(ARGS)
 
 clean:
 	rm -rf build

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kxui/frame/text.h"
 #include "kxui/frame/variant.h"
 #include "services/icu_support.h"
 
@@ -48,12 +49,6 @@ std::string upper(std::string s) {
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   }
   return s;
-}
-
-bool same_text(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return (x >= 'A' && x <= 'Z' ? x - 'A' + 'a' : x) == (y >= 'A' && y <= 'Z' ? y - 'A' + 'a' : y);
-  });
 }
 
 std::string country_name(const std::string& code, const icu::Locale& viewer) {
@@ -113,7 +108,7 @@ std::array<std::string, AddressFormatter::kLines> IcuAddressFormatter::FormatAdd
     case Layout::kES:
       add_streets();
       add(join({postal, city}, " "));
-      if (!same_text(state, city)) add(state);
+      if (!text::iequals(state, city)) add(state);
       break;
     case Layout::kEastAsia:
       add(postal.empty() ? postal : (viewer_language == "ja" ? "〒" : "") + postal);

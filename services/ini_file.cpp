@@ -8,17 +8,12 @@
 #include <mutex>
 #include <sstream>
 
+#include "kxui/frame/text.h"
 #include "kxui/frame/variant.h"
 
 namespace kxui::services::detail {
 
-std::string lower_ascii(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
+std::string lower_ascii(std::string_view s) { return text::lower_ascii(s); }
 
 namespace {
 

@@ -1,10 +1,10 @@
 // Translations of the library's validation messages. The English texts stay with the
 // callers (kxui/frame/messages.h), which pass them as the default.
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "kxui/frame/text.h"
 #include "services/kx_error.h"
 
 namespace kxui::services {
@@ -74,11 +74,8 @@ constexpr Entry kCatalogue[] = {
 
 std::string_view catalogue_text(std::string_view language, int32_t message_number) {
   language = language.substr(0, language.find_first_of("-_"));
-  std::string lower(language);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   for (const Entry& e : kCatalogue) {
-    if (e.number == message_number && e.language == lower) return e.text;
+    if (e.number == message_number && text::iequals(e.language, language)) return e.text;
   }
   return {};
 }

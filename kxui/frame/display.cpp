@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
+#include "kxui/frame/text.h"
 
 namespace kxui {
 
@@ -54,11 +56,10 @@ DisplayColumn computed_display(std::string name, DataTypeEnum type, int32_t defi
   return DisplayColumn{std::move(name), type, defined_size, std::move(bind)};
 }
 
-RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColumn> columns,
-                                 DisplayContext& ctx, const std::optional<PagingWindow>& paging) {
+RecordsetPtr open_display_target(Recordset& source, std::span<const DisplayColumn> columns,
+                                 bool paging) {
   RecordsetPtr target = CloneRecordsetStructure(source);
   Fields& fields = target->GetFields();
-  const int32_t width = source.GetFields().Count();
   for (const DisplayColumn& c : columns) {
     fields.Append(c.name, c.type, c.defined_size, adFldUnspecified);
   }
@@ -66,23 +67,36 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
     for (const char* name : kPagingColumns) fields.Append(name, adInteger, 0, adFldUnspecified);
   }
   target->Open();
+  return target;
+}
 
+RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColumn> columns,
+                                 DisplayContext& ctx, const std::optional<PagingWindow>& paging) {
+  RecordsetPtr target = open_display_target(source, columns, paging.has_value());
+  fill_display_rows(source, *target, columns, &ctx, paging);
+  return target;
+}
+
+void fill_display_rows(Recordset& source, Recordset& target,
+                       std::span<const DisplayColumn> columns, DisplayContext* ctx,
+                       const std::optional<PagingWindow>& paging) {
+  const int32_t width = source.GetFields().Count();
   int32_t last = INT32_MAX;
   if (paging) {
     source.SetAbsolutePosition(paging->start_record);
     last = paging->end_record;
     const int64_t rows = int64_t{paging->end_record} - std::max(paging->start_record, 1) + 1;
-    target->reserve(static_cast<int32_t>(std::clamp<int64_t>(rows, 0, source.RecordCount())));
+    target.reserve(static_cast<int32_t>(std::clamp<int64_t>(rows, 0, source.RecordCount())));
   } else if (source.RecordCount() > 0) {
     source.MoveFirst();
-    target->reserve(source.RecordCount());
+    target.reserve(source.RecordCount());
   }
-  if (source.IsBOF() && source.IsEOF()) return target;
+  if (source.IsBOF() && source.IsEOF()) return;
 
   // Bound only when there is a row to fill, as a lookup per row would be.
   std::vector<RowFiller> fillers;
   fillers.reserve(columns.size());
-  for (const DisplayColumn& c : columns) fillers.push_back(c.bind(source, ctx));
+  for (const DisplayColumn& c : columns) fillers.push_back(c.bind(source, *ctx));
 
   const Variant paging_values[] = {
       Variant(paging ? paging->page_size : 0),     Variant(paging ? paging->current_page : 0),
@@ -90,27 +104,22 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
       Variant(paging ? paging->end_record : 0),
   };
   while (!source.IsEOF() && source.AbsolutePosition() <= last) {
-    target->AddNew();
-    for (int32_t i = 0; i < width; ++i) target->set_value(i, source.value(i));
+    target.AddNew();
+    for (int32_t i = 0; i < width; ++i) target.set_value(i, source.value(i));
     int32_t col = width;
-    for (const RowFiller& fill : fillers) target->set_value(col++, fill(source));
+    for (const RowFiller& fill : fillers) target.set_value(col++, fill(source));
     if (paging) {
-      for (const Variant& v : paging_values) target->set_value(col++, v);
+      for (const Variant& v : paging_values) target.set_value(col++, v);
     }
-    target->Update();
+    target.Update();
     source.MoveNext();
   }
-  target->MoveFirst();
-  return target;
+  target.MoveFirst();
 }
 
 RecordsetPtr rebuild_row_for_display(Recordset& source, std::span<const DisplayColumn> columns,
                                      DisplayContext& ctx) {
-  RecordsetPtr target = CloneRecordsetStructure(source);
-  for (const DisplayColumn& c : columns) {
-    target->GetFields().Append(c.name, c.type, c.defined_size, adFldUnspecified);
-  }
-  target->Open();
+  RecordsetPtr target = open_display_target(source, columns, false);
   target->AddNew();
   const int32_t width = source.GetFields().Count();
   for (int32_t i = 0; i < width; ++i) target->set_value(i, source.value(i));
@@ -126,7 +135,7 @@ std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressPar
     auto formatter = create_as<AddressFormatter>(rt, service_class::kAddressFormatter);
     std::string result;
     for (const std::string& line : formatter->FormatAddressLines(locale_id, parts)) {
-      std::string kept = conv::trim(line);
+      std::string kept = text::trim_spaces(line);
       if (kept.empty()) continue;
       result += kept;
       result += "\r\n";
@@ -134,6 +143,12 @@ std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressPar
     return result;
   } catch (const Failure& f) {
     throw Failure(f.number(), "UIReq::FormatAddress", f.description());
+  } catch (const std::bad_alloc&) {
+    fail(err::kOutOfMemory, "UIReq::FormatAddress");
+  } catch (const std::exception& e) {
+    throw Failure(err::kAutomationError, "UIReq::FormatAddress", e.what());
+  } catch (...) {
+    fail(err::kInternalError, "UIReq::FormatAddress");
   }
 }
 
@@ -145,6 +160,16 @@ RecordsetPtr display_list_page(const Runtime& rt, AppIni& ini, const SessionPtr&
   const PagingWindow window =
       compute_paging_window(source.RecordCount(), page_size, page, options.past_end);
   DisplayContext ctx(rt, require(session), date_style);
+  return rebuild_for_display(source, columns, ctx, window);
+}
+
+RecordsetPtr display_list_page(AppIni& ini, const SessionPtr& session, Variant& custom_data,
+                               Recordset& source, int32_t page, DisplayContext& ctx,
+                               std::span<const DisplayColumn> columns,
+                               const ListPageOptions& options) {
+  const int32_t page_size = read_page_size(ini, session, custom_data, options.default_page_size);
+  const PagingWindow window =
+      compute_paging_window(source.RecordCount(), page_size, page, options.past_end);
   return rebuild_for_display(source, columns, ctx, window);
 }
 

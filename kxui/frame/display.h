@@ -33,6 +33,8 @@ class DisplayContext {
   int32_t locale_id() const { return locale_id_; }
   int32_t time_zone_id() const { return time_zone_id_; }
   int32_t date_style() const { return date_style_; }
+  // For operations that read the session before the date style.
+  void set_date_style(int32_t style) { date_style_ = style; }
 
   DateFormatter& dates();
   CurrencyFormatter& money();
@@ -88,6 +90,16 @@ RecordsetPtr rebuild_for_display(Recordset& source, std::span<const DisplayColum
 RecordsetPtr rebuild_row_for_display(Recordset& source, std::span<const DisplayColumn> columns,
                                      DisplayContext& ctx);
 
+// The two halves of rebuild_for_display, for an operation that hands the target out
+// before it is filled: the opened empty target (source structure, `columns`, then the
+// paging columns when `paging`), and the filling of it. `ctx` may be null when there
+// are no columns.
+RecordsetPtr open_display_target(Recordset& source, std::span<const DisplayColumn> columns,
+                                 bool paging);
+void fill_display_rows(Recordset& source, Recordset& target,
+                       std::span<const DisplayColumn> columns, DisplayContext* ctx,
+                       const std::optional<PagingWindow>& paging);
+
 // How a list page reads and applies the paging rule.
 struct ListPageOptions {
   int32_t default_page_size = kDefaultPageSize;  // when "Page Size" cannot be read
@@ -102,10 +114,17 @@ RecordsetPtr display_list_page(const Runtime& rt, AppIni& ini, const SessionPtr&
                                Variant& custom_data, Recordset& source, int32_t page,
                                int32_t date_style, std::span<const DisplayColumn> columns,
                                const ListPageOptions& options = {});
+// The same with a display context the operation set up earlier, in its own order.
+RecordsetPtr display_list_page(AppIni& ini, const SessionPtr& session, Variant& custom_data,
+                               Recordset& source, int32_t page, DisplayContext& ctx,
+                               std::span<const DisplayColumn> columns,
+                               const ListPageOptions& options = {});
 
 // FormatAddress: the address lines laid out for the locale by the address-formatting
-// object, each kept line trimmed and followed by "\r\n"; blank lines are skipped, so an
-// all-blank address gives "". Failures carry the source "UIReq::FormatAddress".
+// object, each kept line stripped of leading and trailing spaces (tabs and line breaks
+// stay) and followed by "\r\n"; lines of spaces only are skipped, so an all-blank
+// address gives "". Every failure, whatever its kind, carries the source
+// "UIReq::FormatAddress".
 std::string FormatAddress(const Runtime& rt, int32_t locale_id, const AddressParts& parts);
 
 }  // namespace kxui

@@ -1,5 +1,8 @@
 #include "kxui/frame/display.h"
 
+#include <functional>
+#include <stdexcept>
+
 #include <gtest/gtest.h>
 
 #include "kxui/frame/settings.h"
@@ -147,21 +150,46 @@ TEST_F(DisplayTest, SettingsFallBackOnlyWhenMissing) {
   EXPECT_EQ(read_page_size(*fakes.ini, session, custom), 25);
 }
 
-TEST_F(DisplayTest, FormatAddressKeepsTrimmedNonBlankLines) {
-  AddressParts parts{"  1 Main St ", "", "   ", "", "", "Springfield", "IL", "62701", "US"};
+// Blank means spaces: tabs and line breaks inside a line are the user's and stay.
+TEST_F(DisplayTest, FormatAddressStripsSpacesOnlyAndSkipsBlankLines) {
+  AddressParts parts{"  1 Main St ", "", "   ", "\tBack door\t", "\r\n", "Springfield",
+                     "IL", "62701", "US"};
   EXPECT_EQ(FormatAddress(*env->runtime, 1033, parts),
-            "1 Main St\r\nSpringfield\r\nIL\r\n62701\r\nUS\r\n");
+            "1 Main St\r\n\tBack door\t\r\n\r\n\r\nSpringfield\r\nIL\r\n62701\r\nUS\r\n");
   EXPECT_EQ(FormatAddress(*env->runtime, 1033, AddressParts{" ", "", "", "", "", "", "", "", ""}),
             "");
+}
 
-  env->runtime->Unregister(service_class::kAddressFormatter);
-  try {
-    FormatAddress(*env->runtime, 1033, parts);
-    ADD_FAILURE() << "expected a failure";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.number(), 429);
-    EXPECT_EQ(f.source(), "UIReq::FormatAddress");
+struct ThrowingFormatter : AddressFormatter {
+  std::function<void()> raise;
+  std::array<std::string, kLines> FormatAddressLines(int32_t, const AddressParts&) override {
+    raise();
+    return {};
   }
+};
+
+TEST_F(DisplayTest, FormatAddressFailsUnderItsOwnSourceWhateverFailed) {
+  auto formatter = std::make_shared<ThrowingFormatter>();
+  const std::tuple<const char*, std::function<void()>, int32_t, std::string> cases[] = {
+      {"a failure", [] { throw Failure(5, "Locale", "bad locale"); }, 5, "bad locale"},
+      {"no memory", [] { throw std::bad_alloc(); }, 7, "Out of memory"},
+      {"a library error", [] { throw std::runtime_error("icu broke"); }, 440, "icu broke"},
+      {"anything else", [] { throw 42; }, 51, "Internal error"},
+  };
+  env->provide(service_class::kAddressFormatter, formatter);
+  for (const auto& [name, raise, number, description] : cases) {
+    SCOPED_TRACE(name);
+    formatter->raise = raise;
+    EXPECT_FAILURE(number, FormatAddress(*env->runtime, 1033, AddressParts{}));
+    try {
+      FormatAddress(*env->runtime, 1033, AddressParts{});
+    } catch (const Failure& f) {
+      EXPECT_EQ(f.source(), "UIReq::FormatAddress");
+      EXPECT_EQ(f.description(), description);
+    }
+  }
+  env->runtime->Unregister(service_class::kAddressFormatter);
+  EXPECT_FAILURE(429, FormatAddress(*env->runtime, 1033, AddressParts{}));
 }
 
 }  // namespace

@@ -9,21 +9,12 @@
 
 #include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
+#include "kxui/frame/text.h"
 
 namespace kxui {
 namespace {
 
 constexpr std::string_view kSource = "Recordset";
-
-char ascii_lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool same_name(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ascii_lower(a[i]) != ascii_lower(b[i])) return false;
-  }
-  return true;
-}
 
 // Text types whose DefinedSize limits the value; the long types never do.
 bool is_bounded_text(DataTypeEnum t) {
@@ -125,7 +116,7 @@ Field Fields::Item(std::string_view name) const { return Field(rs_, index_of(nam
 std::optional<int32_t> Fields::find(std::string_view name) const {
   const auto& infos = rs_->infos_;
   for (size_t i = 0; i < infos.size(); ++i) {
-    if (same_name(infos[i].name, name)) return static_cast<int32_t>(i);
+    if (text::iequals(infos[i].name, name)) return static_cast<int32_t>(i);
   }
   return std::nullopt;
 }

@@ -3,13 +3,9 @@
 #include <cstdint>
 #include <cstring>
 
-namespace kxui {
+#include "kxui/frame/text.h"
 
-namespace {
-inline unsigned char fold(char c) {
-  return static_cast<unsigned char>((c >= 'A' && c <= 'Z') ? c - 'A' + 'a' : c);
-}
-}  // namespace
+namespace kxui {
 
 // ASCII upper case to lower case in all eight bytes of x at once.
 inline uint64_t fold8(uint64_t x) {
@@ -41,11 +37,7 @@ size_t Runtime::FoldedHash::operator()(std::string_view s) const noexcept {
 }
 
 bool Runtime::FoldedEqual::operator()(std::string_view a, std::string_view b) const noexcept {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (fold(a[i]) != fold(b[i])) return false;
-  }
-  return true;
+  return text::iequals(a, b);
 }
 
 void Runtime::Register(std::string_view name, Creator creator) {

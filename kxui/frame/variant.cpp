@@ -6,6 +6,7 @@
 
 #include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
+#include "kxui/frame/text.h"
 #include "kxui/frame/variant_text.h"
 
 namespace kxui {
@@ -68,15 +69,6 @@ T to_int(const Variant& v) {
     case Kind::String: return int_from_double<T>(number_from_text(v.get_string()));
     default: bad_kind(v);
   }
-}
-
-bool iequals(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    char x = a[i] >= 'A' && a[i] <= 'Z' ? char(a[i] - 'A' + 'a') : a[i];
-    if (x != b[i]) return false;
-  }
-  return true;
 }
 
 // Int16, Int32, Double and Currency compare by value across kinds.
@@ -186,8 +178,8 @@ bool Variant::to_bool() const {
     case Kind::Date: return detail::date_to_serial(get_date()) != 0;
     case Kind::String: {
       std::string t = conv::trim(get_string());
-      if (iequals(t, "true")) return true;
-      if (iequals(t, "false")) return false;
+      if (text::iequals(t, "true")) return true;
+      if (text::iequals(t, "false")) return false;
       return number_from_text(t) != 0;
     }
     default: bad_kind(*this);

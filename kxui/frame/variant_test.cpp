@@ -139,6 +139,33 @@ TEST(VariantDate, TextRoundTripDatePartAndSerials) {
   EXPECT_EQ(failure_of([] { Variant(1e10).to_date(); }), 6);
 }
 
+// Years 100..9999 only: outside, every reading fails with 6 instead of printing a
+// wrapped year or overflowing the arithmetic.
+TEST(VariantDate, OutOfRangeDatesFailWithOverflow) {
+  const int64_t first = Date::from_civil(100, 1, 1).seconds();
+  const int64_t last = Date::from_civil(9999, 12, 31, 23, 59, 59).seconds();
+  EXPECT_EQ(Variant(Date::from_seconds(first)).to_string(), "0100-01-01");
+  EXPECT_EQ(Variant(Date::from_seconds(last)).to_string(), "9999-12-31 23:59:59");
+  EXPECT_EQ(Variant(Date::from_seconds(last)).to_double(), 2958465.0 + 86399.0 / 86400);
+  const std::pair<const char*, int64_t> outside[] = {
+      {"a second before year 100", first - 1},
+      {"a second after year 9999", last + 1},
+      {"year 0", -62167219200},
+      {"year 10000", 253402300800},
+      {"year 70000, which 16 bits wrap", 2146790000000},
+      {"the lowest seconds", INT64_MIN},
+      {"the highest seconds", INT64_MAX}};
+  for (const auto& [name, seconds] : outside) {
+    SCOPED_TRACE(name);
+    const Date d = Date::from_seconds(seconds);
+    EXPECT_EQ(failure_of([&] { Variant(d).to_string(); }), 6);
+    EXPECT_EQ(failure_of([&] { Variant(d).to_double(); }), 6);
+    EXPECT_EQ(failure_of([&] { Variant(d).to_int32(); }), 6);
+    EXPECT_EQ(failure_of([&] { d.year(); }), 6);
+    EXPECT_EQ(failure_of([&] { d.date_part(); }), 6);
+  }
+}
+
 TEST(VariantArray, BoundsSubscriptsAndRedimPreserve) {
   for (int32_t lower : {0, 1}) {
     SCOPED_TRACE(lower);

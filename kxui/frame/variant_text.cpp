@@ -44,7 +44,15 @@ struct Civil {
   int64_t second_of_day;
 };
 
+// Outside the supported years the calendar arithmetic would overflow: no date there
+// is ever read.
+int64_t in_range(int64_t s) {
+  if (s < kMinSeconds || s > kMaxSeconds) fail(err::kOverflow);
+  return s;
+}
+
 Civil split(int64_t s) {
+  in_range(s);
   int64_t days = floor_div(s, kDay);
   std::chrono::year_month_day ymd{std::chrono::sys_days{std::chrono::days{days}}};
   return Civil{int(ymd.year()), int(unsigned(ymd.month())), int(unsigned(ymd.day())),
@@ -119,7 +127,7 @@ int Date::day() const { return split(seconds_).day; }
 int Date::hour() const { return int(split(seconds_).second_of_day / 3600); }
 int Date::minute() const { return int(split(seconds_).second_of_day / 60 % 60); }
 int Date::second() const { return int(split(seconds_).second_of_day % 60); }
-Date Date::date_part() const { return Date(floor_div(seconds_, kDay) * kDay); }
+Date Date::date_part() const { return Date(floor_div(in_range(seconds_), kDay) * kDay); }
 
 namespace detail {
 
@@ -214,7 +222,7 @@ std::string format_date(Date d) {
 }
 
 double date_to_serial(Date d) {
-  int64_t s = d.seconds() + kEpochSerial * kDay;
+  int64_t s = in_range(d.seconds()) + kEpochSerial * kDay;
   int64_t days = floor_div(s, kDay);
   double frac = static_cast<double>(s - days * kDay) / kDay;
   return days >= 0 ? double(days) + frac : double(days) - frac;

@@ -19,11 +19,13 @@ std::optional<double> parse_number(std::string_view text);
 // 1e-11; "0" for both zeros.
 std::string format_double(double v);
 std::string format_currency(Currency c);
-// "yyyy-mm-dd hh:mm:ss", or "yyyy-mm-dd" at midnight.
+// "yyyy-mm-dd hh:mm:ss", or "yyyy-mm-dd" at midnight. Like every reading of a date's
+// parts, 6 Overflow outside years 100..9999.
 std::string format_date(Date d);
 
 // The day serial of a date. Before 1899-12-30 the fraction counts forwards from the
-// (negative) whole day, as the classic form does: 1899-12-29 06:00 is -1.25.
+// (negative) whole day, as the classic form does: 1899-12-29 06:00 is -1.25. 6 Overflow
+// outside years 100..9999.
 double date_to_serial(Date d);
 // The inverse, rounded to the second; 6 Overflow outside years 100..9999 or for NaN.
 Date date_from_serial(double serial);

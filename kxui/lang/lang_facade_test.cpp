@@ -1,6 +1,9 @@
 // The placeholder rule, as both localization classes apply it.
 #include "kxui/lang/detail/lang_facade.h"
 
+#include <chrono>
+#include <random>
+
 #include "kxui/testing/test_runtime.h"
 
 namespace kxui::detail {
@@ -34,6 +37,58 @@ TEST(FillPlaceholdersTest, RefusesWhatIsNoArgumentList) {
     SCOPED_TRACE(name);
     EXPECT_FAILURE(number, fill_placeholders("@1 @2", args));
   }
+}
+
+// The rule as written: one whole-text pass per argument, in ascending order.
+std::string fill_one_pass_per_argument(std::string text, const std::vector<std::string>& values,
+                                       int32_t lower) {
+  for (size_t i = 0; i < values.size(); ++i) {
+    const std::string tag = "@" + std::to_string(lower + static_cast<int32_t>(i) + 1);
+    std::string out;
+    size_t from = 0;
+    for (size_t pos = text.find(tag); pos != std::string::npos; pos = text.find(tag, from)) {
+      out.append(text, from, pos - from).append(values[i]);
+      from = pos + tag.size();
+    }
+    text = out.append(text, from);
+  }
+  return text;
+}
+
+// Tags that meet across a value's edges ("@" + "12"), negative tags, leading zeros,
+// values that hold tags: random texts over a small alphabet agree with the rule.
+TEST(FillPlaceholdersTest, AgreesWithOnePassPerArgument) {
+  std::mt19937 rng(11);
+  const std::string alphabet = "@@@-0112234x";
+  auto random_text = [&](size_t max_len) {
+    std::string s(rng() % (max_len + 1), ' ');
+    for (char& c : s) c = alphabet[rng() % alphabet.size()];
+    return s;
+  };
+  for (int round = 0; round < 20000; ++round) {
+    const int32_t lower = static_cast<int32_t>(rng() % 5) - 3;
+    std::vector<std::string> values(1 + rng() % 14);
+    std::vector<Variant> args;
+    for (auto& v : values) args.emplace_back(v = random_text(4));
+    const std::string text = random_text(24);
+    ASSERT_EQ(fill_placeholders(text, list(args, lower)),
+              fill_one_pass_per_argument(text, values, lower))
+        << "text \"" << text << "\", lower bound " << lower;
+  }
+}
+
+// 32,000 arguments over a 76 KB text of mostly "@": one pass per argument took 37 s.
+TEST(FillPlaceholdersTest, CostGrowsWithTextPlusArguments) {
+  std::vector<Variant> args;
+  std::string text;
+  for (int i = 1; i <= 32000; ++i) args.emplace_back("v" + std::to_string(i));
+  while (text.size() < 76000) {
+    text += std::string(49, '@') + std::to_string(text.size() % 32000 + 1) + " ";
+  }
+  const auto start = std::chrono::steady_clock::now();
+  const std::string out = fill_placeholders(text, list(args));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  EXPECT_EQ(out.substr(0, 51), std::string(48, '@') + "v1 ");
 }
 
 }  // namespace

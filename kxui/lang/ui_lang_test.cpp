@@ -1,9 +1,31 @@
 // UILang and UILangExt, which share their message operations.
 #include "kxui/lang/ui_lang.h"
 
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
 #include "kxui/business/progids.h"
 #include "kxui/lang/ui_lang_ext.h"
 #include "kxui/testing/test_runtime.h"
+
+// Allocation failures on demand: once armed, the allocation numbered `g_fail_from` and
+// every later one fail, as when memory has run out.
+namespace {
+std::atomic<long> g_fail_from{-1};
+std::atomic<long> g_allocations{0};
+}  // namespace
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"  // malloc and free, on purpose
+#endif
+void* operator new(std::size_t n) {
+  if (g_fail_from >= 0 && g_allocations++ >= g_fail_from) throw std::bad_alloc();
+  if (void* p = std::malloc(n ? n : 1)) return p;
+  throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace kxui {
 namespace {
@@ -114,6 +136,29 @@ TEST_F(UILangTest, MessageFailuresReturnTheFilledDefaultOrNothing) {
   EXPECT_THAT(ui.Error(), ErrorIs(94, "UILang::InsertParams "));
   EXPECT_EQ(ui.FormatDebugMsgTxt(5, Variant::null(), "src"), "");
   EXPECT_THAT(ui.Error(), ErrorIs(94, "UILang::FormatDebugMsgTxt "));
+}
+
+// Memory running out at any point of a message operation's fallback, the copy of the
+// default text included, gives a text or "" and never ends the process.
+TEST(UILangMemoryTest, RunningOutOfMemoryNeverTerminates) {
+  EXPECT_EXIT(
+      {
+        auto env = testing::TestEnv::make();
+        UILangExt ui(env->runtime);  // no resource object: every message falls back
+        const Variant args = list({"a value long enough to live on the heap"});
+        const std::string text = "Item @1 was not found in the catalogue of this buyer";
+        for (long from = 0;; ++from) {
+          g_allocations = 0;
+          g_fail_from = from;
+          const std::string a = ui.LoadString(1, text, args);
+          const std::string b = ui.FormatMsgText(2, text, args);
+          g_fail_from = -1;
+          if (g_allocations <= from) break;  // nothing failed any more
+          if (!a.empty() && a.find("Item ") != 0) std::exit(2);
+        }
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 TEST(UILangExtTest, StartsWithoutAResourceObjectAndRecordsAsUILang) {

@@ -26,7 +26,7 @@ RecordsetPtr UIReq::GetListPage(const SessionPtr& p_Session, const std::string& 
     auto req = create<business::Requisition>(progid::Requisition);
     RecordsetPtr list = req->GetRequisitionList(p_Session, p_sUserName, p_sBorgName, p_sSortBy,
                                                 p_sStatusList, *p_CustomData);
-    if (!req->Success()) raise_business_error(*req);
+    check(*req, req->Success());
     Recordset& source = require(list);
 
     require(p_Session);
@@ -43,7 +43,7 @@ bool UIReq::GetReqName(const SessionPtr& p_Session, int32_t p_ReqID, ByRef<Varia
   return guarded("UIReq::GetReqName", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     if (p_ReqID > 0) {
-      if (!req->Load(p_Session, p_ReqID, false, *p_CustomData)) raise_business_error(*req);
+      check(*req, req->Load(p_Session, p_ReqID, false, *p_CustomData));
       *m_ReqName = Variant(require(req->Header()).ReqName());
     }
     // Whatever the caller passed counts by its text; Null and values without one do not.
@@ -56,9 +56,7 @@ bool UIReq::UpdateReqName(const SessionPtr& p_Session, int32_t p_ReqID,
                           const std::string& p_ReqName, ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::UpdateReqName", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->UpdateReqName(p_Session, p_ReqID, p_ReqName, *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->UpdateReqName(p_Session, p_ReqID, p_ReqName, *p_CustomData));
     return true;
   });
 }
@@ -69,9 +67,7 @@ bool UIReq::GetReqStatus(const SessionPtr& p_Session, int32_t p_lReqID,
   return guarded("UIReq::GetReqStatus", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     int32_t status = 0, items = 0;
-    if (!req->GetReqStatus(p_Session, p_lReqID, status, items, *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->GetReqStatus(p_Session, p_lReqID, status, items, *p_CustomData));
     *p_lReqStatusID = Variant(status);
     *p_lNumberOfItems = Variant(items);
     *p_bEditable = Variant(isEditable(status));
@@ -88,9 +84,8 @@ bool UIReq::GetReqTotals(const SessionPtr& p_Session, int32_t p_lReqID, ByRef<Va
     const std::string currency = session.CurrencyCode();
     const int32_t locale_id = session.LocaleID();
     Currency sub_total, tax, total;
-    if (!req->GetReqTotals(p_Session, p_lReqID, currency, sub_total, tax, total, *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req,
+          req->GetReqTotals(p_Session, p_lReqID, currency, sub_total, tax, total, *p_CustomData));
     auto money = create_direct<CurrencyFormatter>(service_class::kCurrencyFormatter);
     std::string texts[3];
     int i = 0;
@@ -109,7 +104,7 @@ bool UIReq::GetHeaderJustification(const SessionPtr& p_Session, int32_t p_lReqID
                                    ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::GetHeaderJustification", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->Load(p_Session, p_lReqID, true, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->Load(p_Session, p_lReqID, true, *p_CustomData));
     const auto header_ptr = req->Header();
     auto& header = require(header_ptr);
     std::string justification = header.Justification();
@@ -127,7 +122,7 @@ bool UIReq::SetHeaderJustification(const SessionPtr& p_Session, int32_t p_lReqID
     auto req = create<business::Requisition>(progid::Requisition);
     if (!req->Load(p_Session, p_lReqID, true, *p_CustomData)) return false;
     require(req->Header()).SetJustification(p_sJustification);
-    if (!req->Save(p_Session, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->Save(p_Session, *p_CustomData));
     return true;
   });
 }
@@ -140,7 +135,7 @@ RecordsetPtr UIReq::GetLogRequisition(const SessionPtr& p_Session, int32_t p_lRe
                                       ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::GetLogRequisition", RecordsetPtr(), [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->Load(p_Session, p_lReqID, true, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->Load(p_Session, p_lReqID, true, *p_CustomData));
     const auto header_ptr = req->Header();
     auto& header = require(header_ptr);
     const Session& session = require(p_Session);
@@ -154,9 +149,8 @@ RecordsetPtr UIReq::GetLogRequisition(const SessionPtr& p_Session, int32_t p_lRe
     Variant justification(header.Justification());
     const std::string currency = session.CurrencyCode();
     Currency sub_total, tax, total;
-    if (!req->GetReqTotals(p_Session, p_lReqID, currency, sub_total, tax, total, *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req,
+          req->GetReqTotals(p_Session, p_lReqID, currency, sub_total, tax, total, *p_CustomData));
     Variant cost(ctx.money_text(total.to_double(), currency));
 
     RecordsetPtr log = req->GetLog(p_Session, "", *p_CustomData);

@@ -181,7 +181,9 @@ class UIReq : public Facade {
                       int32_t p_lTemplateType, ByRef<Variant> p_CustomData = {}) noexcept;
   // One page of the templates whose requisition status is p_ReqStatusID, with the five
   // paging columns (page numbers as for GetListPage), put in rsTemplateList as a record
-  // set positioned at its first row. True; False on failure, rsTemplateList untouched.
+  // set positioned at its first row. True; False on failure. rsTemplateList is replaced
+  // by the opened empty page once the list and "Page Size" are read, so a later failure
+  // (a page size of 0) leaves that empty page there; an earlier one leaves it untouched.
   bool GetTemplateList(const SessionPtr& p_Session, int32_t p_ReqStatusID, int32_t p_lPageNum,
                        ByRef<Variant> rsTemplateList, ByRef<Variant> p_CustomData = {}) noexcept;
 

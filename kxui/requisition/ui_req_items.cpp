@@ -89,9 +89,7 @@ Currency UIReq::parse_price(CurrencyFormatter& parser, const SessionPtr& session
 void UIReq::complete_and_report(business::Requisition& req, business::RequisitionLineItem& item,
                                 const SessionPtr& session, Variant& custom_data, Variant& req_id,
                                 Variant& line_num, Variant& smart_form_id) {
-  if (!req.CompleteItem(session, item.ReqID(), item.LineNum(), custom_data)) {
-    raise_business_error(req);
-  }
+  check(req, req.CompleteItem(session, item.ReqID(), item.LineNum(), custom_data));
   report_line(item.ReqID(), item.LineNum(), item.SmartFormID(), req_id, line_num, smart_form_id);
 }
 
@@ -118,7 +116,7 @@ bool UIReq::AddItemFastAdd(const SessionPtr& p_Session, ByRef<Variant> p_ReqID,
     item.SetUOMID(p_UOMID);
     item.SetCurrencyCode(session.CurrencyCode());
     item.SetIsSpecialRequest(false);
-    if (!req->CommitItem(p_Session, "", *p_CustomData)) raise_business_error(*req);
+    check(*req, req->CommitItem(p_Session, "", *p_CustomData));
     complete_and_report(*req, item, p_Session, *p_CustomData, *p_ReqID, *p_LineNum,
                         *p_SmartFormID);
     return true;
@@ -137,10 +135,8 @@ bool UIReq::AddItemFavorite(const SessionPtr& p_Session, ByRef<Variant> p_ReqID,
         parse_quantity(*parser, p_Session, locale_id, p_OrderQty, msg::kInvalidFavoriteQty);
 
     int32_t req_id = p_ReqID->to_int32(), line_num = 0, smart_form_id = 0;
-    if (!req->AddFavoriteItem(p_Session, p_PartBaseID, qty, req_id, line_num, smart_form_id,
-                              *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->AddFavoriteItem(p_Session, p_PartBaseID, qty, req_id, line_num, smart_form_id,
+                                     *p_CustomData));
     report_line(req_id, line_num, smart_form_id, *p_ReqID, *p_LineNum, *p_SmartFormID);
     return true;
   });
@@ -170,7 +166,7 @@ bool UIReq::AddItemSpecialRequest(
                                 p_SupplierPartNumExt, qty, p_UOMID, p_MfrID, p_MfrName,
                                 p_CommodityID, p_CommodityAlias, price, p_CurrencyCode,
                                 p_PartDesc});
-    if (!req->CommitSpecialRequestItem(p_Session, "", *p_CustomData)) raise_business_error(*req);
+    check(*req, req->CommitSpecialRequestItem(p_Session, "", *p_CustomData));
     complete_and_report(*req, item, p_Session, *p_CustomData, *p_ReqID, *p_LineNum,
                         *p_SmartFormID);
     return true;
@@ -202,7 +198,7 @@ bool UIReq::UpdateSpecialRequestItem(
                                 p_SupplierPartNumExt, qty, p_UOMID, p_MfrID, p_MfrName,
                                 p_CommodityID, p_CommodityAlias, price, p_CurrencyCode,
                                 p_PartDesc});
-    if (!req->UpdateSpecialRequestItem(p_Session, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->UpdateSpecialRequestItem(p_Session, *p_CustomData));
     return true;
   });
 }

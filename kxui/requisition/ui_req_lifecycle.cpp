@@ -23,7 +23,7 @@ bool UIReq::ReqLock(const SessionPtr& p_Session, int32_t p_ReqID,
   return guarded("UIReq::ReqLock", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     req->LockRequisition(p_Session, p_ReqID, *p_CustomData);
-    if (!req->Success()) raise_business_error(*req);
+    check(*req, req->Success());
     return true;
   });
 }
@@ -33,7 +33,7 @@ bool UIReq::IsValidLock(const SessionPtr& p_Session, int32_t p_ReqID,
   return guarded("UIReq::IsValidLock", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     req->IsLockValid(p_Session, p_ReqID, *p_CustomData);
-    if (!req->Success()) raise_business_error(*req);
+    check(*req, req->Success());
     return true;
   });
 }
@@ -41,7 +41,7 @@ bool UIReq::IsValidLock(const SessionPtr& p_Session, int32_t p_ReqID,
 bool UIReq::ReleaseLock(const SessionPtr& p_Session, ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::ReleaseLock", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->ReleaseLocks(p_Session, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->ReleaseLocks(p_Session, *p_CustomData));
     return true;
   });
 }
@@ -52,10 +52,8 @@ bool UIReq::SubmitReq(const SessionPtr& p_Session, int32_t p_ReqID, bool p_WorkF
   return guarded("Requisition::SubmitReq", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     int32_t number_of_pos = *p_NumberofPOs;
-    if (!req->SubmitRequisition(p_Session, p_ReqID, p_WorkFlowFlag, number_of_pos,
-                                *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req,
+          req->SubmitRequisition(p_Session, p_ReqID, p_WorkFlowFlag, number_of_pos, *p_CustomData));
     *p_NumberofPOs = number_of_pos;
     return true;
   });
@@ -67,10 +65,8 @@ bool UIReq::CopyReq(const SessionPtr& p_Session, int32_t p_lReqID, const std::st
   return guarded("UIReq::CopyReq", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     int32_t new_id = 0, items = 0, copied = 0;
-    if (!req->CopyRequisition(p_Session, p_lReqID, p_sReqName, new_id, items, copied, kCopyFlag,
-                              *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->CopyRequisition(p_Session, p_lReqID, p_sReqName, new_id, items, copied,
+                                     kCopyFlag, *p_CustomData));
     *p_lNewReqID = Variant(new_id);
     *p_lNumberOfItems = Variant(items);
     *p_lNumberOfItemsCopied = Variant(copied);
@@ -82,7 +78,7 @@ bool UIReq::CancelReq(const SessionPtr& p_Session, int32_t p_lReqID,
                       ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::CancelReq", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->CancelRequisition(p_Session, p_lReqID, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->CancelRequisition(p_Session, p_lReqID, *p_CustomData));
     return true;
   });
 }
@@ -91,7 +87,7 @@ bool UIReq::DeleteReq(const SessionPtr& p_Session, int32_t p_lReqID,
                       ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIReq::DeleteReq", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
-    if (!req->DeleteRequisition(p_Session, p_lReqID, *p_CustomData)) raise_business_error(*req);
+    check(*req, req->DeleteRequisition(p_Session, p_lReqID, *p_CustomData));
     return true;
   });
 }
@@ -102,15 +98,11 @@ bool UIReq::CreateTemplate(const SessionPtr& p_Session, int32_t p_lReqID,
   return guarded("UIReq::CreateTemplate", false, [&] {
     auto req = create<business::Requisition>(progid::Requisition);
     int32_t new_id = 0, items = 0, copied = 0;
-    if (!req->CopyRequisition(p_Session, p_lReqID, p_sName, new_id, items, copied, kCopyFlag,
-                              *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->CopyRequisition(p_Session, p_lReqID, p_sName, new_id, items, copied, kCopyFlag,
+                                     *p_CustomData));
     // No copy, no template: the business tier said so without calling it a failure.
     if (new_id == 0) return false;
-    if (!req->MarkAsTemplate(p_Session, new_id, p_lTemplateType, *p_CustomData)) {
-      raise_business_error(*req);
-    }
+    check(*req, req->MarkAsTemplate(p_Session, new_id, p_lTemplateType, *p_CustomData));
     return true;
   });
 }
@@ -124,12 +116,12 @@ bool UIReq::GetTemplateList(const SessionPtr& p_Session, int32_t p_ReqStatusID,
     RecordsetPtr list = templates->GetTemplateList(p_Session, p_ReqStatusID, *p_CustomData);
     Recordset& source = require(list);
     const int32_t page_size = read_page_size(*ini, p_Session, *p_CustomData);
+    // The caller holds the opened empty page from here on, even when paging then fails;
+    // no display columns, so no display context and no session member is read.
+    RecordsetPtr page = open_display_target(source, {}, true);
+    *rsTemplateList = Variant(page);
     const PagingWindow window = compute_paging_window(source.RecordCount(), page_size, p_lPageNum);
-
-    // No display columns: the context only carries the paging through the rebuild.
-    DisplayContext ctx(runtime(), require(p_Session), 2);
-    RecordsetPtr page = rebuild_for_display(source, {}, ctx, window);
-    *rsTemplateList = Variant(std::move(page));
+    fill_display_rows(source, *page, {}, nullptr, window);
     return true;
   });
 }

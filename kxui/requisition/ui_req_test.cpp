@@ -1,6 +1,7 @@
 #include "kxui/requisition/ui_req.h"
 
 #include <functional>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,6 +44,13 @@ class MockRequisition : public business::Requisition, public kxui::testing::Fake
               (S, int32_t, Str, int32_t&, int32_t&, int32_t&, int32_t, Variant&), (override));
   MOCK_METHOD(bool, MarkAsTemplate, (S, int32_t, int32_t, Variant&), (override));
   MOCK_METHOD(RecordsetPtr, GetLog, (S, Str, Variant&), (override));
+  MOCK_METHOD(bool, UpdateReqName, (S, int32_t, Str, Variant&), (override));
+  MOCK_METHOD(bool, Save, (S, Variant&), (override));
+  MOCK_METHOD(void, LockRequisition, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(void, IsLockValid, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, ReleaseLocks, (S, Variant&), (override));
+  MOCK_METHOD(bool, CancelRequisition, (S, int32_t, Variant&), (override));
+  MOCK_METHOD(bool, DeleteRequisition, (S, int32_t, Variant&), (override));
 };
 
 class MockTemplates : public business::Templates, public kxui::testing::FakeBusinessObject {
@@ -53,12 +61,13 @@ class MockTemplates : public business::Templates, public kxui::testing::FakeBusi
 struct FakeHeader : business::RequisitionHeader {
   std::string ReqName() override { return name; }
   int32_t ReqStatusID() override { return status; }
-  std::string Justification() override { return ""; }
-  void SetJustification(const std::string&) override {}
+  std::string Justification() override { return justification; }
+  void SetJustification(const std::string& text) override { justification = text; }
   Variant CreateDate() override { return created; }
-  std::string BorgName() override { return ""; }
-  std::string RequisitionerName() override { return ""; }
+  std::string BorgName() override { return "Works"; }
+  std::string RequisitionerName() override { return "Ann Lee"; }
   std::string name = "Office chairs";
+  std::string justification = "Needed for Q3";
   int32_t status = 1;
   Variant created = Variant::null();
 };
@@ -169,12 +178,15 @@ TEST_F(UIReqTest, GetListPageAddsDisplayAndPagingColumnsAndClampsThePage) {
   EXPECT_CALL(*req, GetRequisitionList(Eq(session), "alice", "Works", "CreateDate", "1,3", _))
       .WillRepeatedly(Return(list));
   ON_CALL(*req, Success).WillByDefault(Return(true));
-  fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
+  // Both settings differ from their defaults (20 rows, date style 2).
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "10");
+  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
   // Per page: its row count, then the first row's display dates and paging values.
   const std::tuple<int32_t, int32_t, Values> cases[] = {
-      {0, 20, {"1033/2/2024-03-02", "1033/2/2024-03-02", 20, 1, 45, 1, 20}},
-      {9, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}},
-      {-1, 5, {"1033/2/2024-03-14", "1033/2/2024-03-14", 20, 3, 45, 41, 45}}};
+      {0, 10, {"1033/1/2024-03-02", "1033/1/2024-03-02", 10, 1, 45, 1, 10}},
+      {2, 10, {"1033/1/2024-03-12", "1033/1/2024-03-12", 10, 2, 45, 11, 20}},
+      {9, 5, {"1033/1/2024-03-14", "1033/1/2024-03-14", 10, 5, 45, 41, 45}},
+      {-1, 5, {"1033/1/2024-03-14", "1033/1/2024-03-14", 10, 5, 45, 41, 45}}};
   for (const auto& [page, count, first_row] : cases) {
     SCOPED_TRACE(page);
     auto rs = ui.GetListPage(session, "alice", "Works", "CreateDate", "1,3", page);
@@ -230,6 +242,11 @@ TEST_F(UIReqTest, BusinessFailuresAreRecordedUnderTheOperation) {
       {"UIReq::GetReqTotals", [&] { return ui.GetReqTotals(session, 5, out, v2, v3); }},
       {"UIReq::CopyReq", [&] { return ui.CopyReq(session, 5, "Copy", out, v2, v3); }},
       {"Requisition::SubmitReq", [&] { return ui.SubmitReq(session, 5); }},
+      {"UIReq::GetHeaderJustification",
+       [&] { return ui.GetHeaderJustification(session, 5, out, v2); }},
+      {"UIReq::GetLogRequisition",
+       [&] { return ui.GetLogRequisition(session, 5, out, v2, v3, v3, v3, v3) != nullptr; }},
+      {"UIReq::CreateTemplate", [&] { return ui.CreateTemplate(session, 5, "T", 1); }},
   };
   for (const auto& [source, call] : cases) {
     SCOPED_TRACE(source);
@@ -352,8 +369,10 @@ TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
   header->created = Variant(Date::from_civil(2024, 3, 5, 23, 0, 0));
   session->time_zone_id = 16;  // one hour east: the next day
   ON_CALL(*req, Load(_, 7, true, _)).WillByDefault(Return(true));
-  ON_CALL(*req, GetReqTotals).WillByDefault(DoAll(SetArgReferee<5>(Currency::from_double(9.5)),
-                                                  Return(true)));
+  EXPECT_CALL(*req, GetReqTotals(_, 7, "USD", _, _, _, _))
+      .WillOnce(DoAll(SetArgReferee<3>(Currency::from_double(1)),
+                      SetArgReferee<4>(Currency::from_double(2)),
+                      SetArgReferee<5>(Currency::from_double(9.5)), Return(true)));
   Date logged = Date::from_civil(2024, 3, 6, 8, 0, 0);
   EXPECT_CALL(*req, GetLog(_, "", _))
       .WillOnce(Return(kxui::testing::make_recordset({{"DateLogged", adDate, 0, adFldUnspecified}},
@@ -361,28 +380,187 @@ TEST_F(UIReqTest, GetLogRequisitionFillsTheHeaderAndRebuildsTheLog) {
   Variant name, who, created, cost, why, currency;
   auto log = ui.GetLogRequisition(session, 7, name, who, created, cost, why, currency);
   ASSERT_NE(log, nullptr) << ui.Error()->Description();
-  EXPECT_EQ((Values{name, created, cost}),
-            (Values{"Office chairs", "1033/2/2024-03-06", "USD 9.50@1033"}));
+  EXPECT_EQ((Values{name, who, created, cost, why, currency}),
+            (Values{"Office chairs", "Ann Lee", "1033/2/2024-03-06", "USD 9.50@1033",
+                    "Needed for Q3", "USD"}));
   EXPECT_EQ(log->RecordCount(), 2);
   EXPECT_EQ((*log)["UIDisplay_DateLogged"].Value().to_string(), "1033/2/2024-03-06");
 }
+
+// Writes a reply into the custom data (the last argument) and answers `result`.
+auto answer(bool result) {
+  return [result](auto&&... args) {
+    std::get<sizeof...(args) - 1>(std::tie(args...)) = Variant("from business");
+    return result;
+  };
+}
+
+// The one-request operations: each passes the session, its own arguments and the
+// caller's custom data (by reference) to its own request, and reports a refusal under
+// its own source. The two lock tests read the answer from Success.
+TEST_F(UIReqTest, OneRequestOperationsPassTheirArgumentsAndReportRefusals) {
+  const Variant custom_in = Variant(int32_t{77});
+  const auto lock_answer = [&](bool r) {
+    EXPECT_CALL(*req, Success()).WillOnce(Return(r));
+    return [](auto&, auto, Variant& custom) { custom = Variant("from business"); };
+  };
+  const std::tuple<const char*, std::function<void(bool)>, std::function<bool(Variant&)>> cases[] =
+      {
+          {"UIReq::ReqLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, LockRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(lock_answer(r));
+           },
+           [&](Variant& c) { return ui.ReqLock(session, 7, c); }},
+          {"UIReq::IsValidLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, IsLockValid(Eq(session), 7, Eq(custom_in))).WillOnce(lock_answer(r));
+           },
+           [&](Variant& c) { return ui.IsValidLock(session, 7, c); }},
+          {"UIReq::ReleaseLock",
+           [&](bool r) {
+             EXPECT_CALL(*req, ReleaseLocks(Eq(session), Eq(custom_in))).WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.ReleaseLock(session, c); }},
+          {"UIReq::CancelReq",
+           [&](bool r) {
+             EXPECT_CALL(*req, CancelRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.CancelReq(session, 7, c); }},
+          {"UIReq::DeleteReq",
+           [&](bool r) {
+             EXPECT_CALL(*req, DeleteRequisition(Eq(session), 7, Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.DeleteReq(session, 7, c); }},
+          {"UIReq::UpdateReqName",
+           [&](bool r) {
+             EXPECT_CALL(*req, UpdateReqName(Eq(session), 7, "Desks", Eq(custom_in)))
+                 .WillOnce(answer(r));
+           },
+           [&](Variant& c) { return ui.UpdateReqName(session, 7, "Desks", c); }},
+      };
+  for (const auto& [source, expect, call] : cases) {
+    for (bool result : {true, false}) {
+      SCOPED_TRACE(std::string(source) + (result ? " granted" : " refused"));
+      ui.Error()->SetNumber(0);
+      expect(result);
+      Variant custom = custom_in;
+      EXPECT_EQ(call(custom), result);
+      EXPECT_EQ(custom, Variant("from business"));
+      if (result) {
+        EXPECT_EQ(ui.Error()->Number(), 0);
+      } else {
+        EXPECT_THAT(ui.Error(), ErrorIs(99, std::string(source) + " Requisition"));
+      }
+      Mock::VerifyAndClearExpectations(req.get());
+    }
+  }
+}
+
+// Read with the lock; written by loading with the lock, setting the text, then saving.
+TEST_F(UIReqTest, JustificationIsReadLockedAndSavedAfterItIsSet) {
+  header->status = 2;
+  EXPECT_CALL(*req, Load(_, 3, true, _)).WillRepeatedly(Return(true));
+  Variant text, editable;
+  ASSERT_TRUE(ui.GetHeaderJustification(session, 3, text, editable));
+  EXPECT_EQ((Values{text, editable}), (Values{"Needed for Q3", false}));
+
+  std::string saved;
+  EXPECT_CALL(*req, Save(Eq(session), _))
+      .WillOnce([&](auto&, auto&) { return saved = header->justification, true; })
+      .WillOnce(Return(false));
+  EXPECT_TRUE(ui.SetHeaderJustification(session, 3, "Two more desks"));
+  EXPECT_EQ(saved, "Two more desks");
+  EXPECT_FALSE(ui.SetHeaderJustification(session, 3, "Three"));
+  EXPECT_THAT(ui.Error(), ErrorIs(99, "UIReq::SetHeaderJustification Requisition"));
+}
+
+// A session whose members cannot be read: operations that must not read them use it.
+struct UnreadableSession : BasicSession {
+  int32_t LocaleID() const override { throw Failure(5, "Session", "not here"); }
+  int32_t TimeZoneID() const override { throw Failure(5, "Session", "not here"); }
+};
 
 TEST_F(UIReqTest, GetTemplateListPagesTheTemplatesWithoutDisplayColumns) {
   auto templates = std::make_shared<NiceMock<MockTemplates>>();
   env->provide(progid::Templates, templates);
   std::vector<std::vector<Variant>> rows;
   for (int32_t i = 1; i <= 25; ++i) rows.push_back({Variant(i)});
-  ON_CALL(*templates, GetTemplateList(_, 3, _))
-      .WillByDefault(Return(kxui::testing::make_recordset({{"ID", adInteger, 0, adFldUnspecified}},
-                                                          rows)));
+  EXPECT_CALL(*templates, GetTemplateList(_, 3, _))
+      .WillRepeatedly(Return(kxui::testing::make_recordset({{"ID", adInteger}}, rows)));
+  const SessionPtr unreadable = std::make_shared<UnreadableSession>();
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "10");
+  // Per page: rows, then the first row's ID and its five paging values.
+  const std::tuple<int32_t, int32_t, Values> cases[] = {
+      {0, 10, {1, 10, 1, 25, 1, 10}},
+      {2, 10, {11, 10, 2, 25, 11, 20}},
+      {-1, 5, {21, 10, 3, 25, 21, 25}},
+  };
+  for (const auto& [page_num, count, first_row] : cases) {
+    SCOPED_TRACE(page_num);
+    Variant page = Variant("in");
+    ASSERT_TRUE(ui.GetTemplateList(unreadable, 3, page_num, page)) << ui.Error()->Description();
+    auto rs = page.as<Recordset>();
+    EXPECT_EQ(rs->RecordCount(), count);
+    Values row;
+    for (int32_t i = 0; i < rs->GetFields().Count(); ++i) row.push_back(rs->value(i));
+    EXPECT_EQ(row, first_row);
+  }
+}
+
+// The page is handed over once the list and "Page Size" are read: a failure after that
+// leaves the opened empty page, one before it the caller's value.
+TEST_F(UIReqTest, GetTemplateListHandsOverThePageBeforePaging) {
+  auto templates = std::make_shared<NiceMock<MockTemplates>>();
+  env->provide(progid::Templates, templates);
+  ON_CALL(*templates, GetTemplateList)
+      .WillByDefault(Return(kxui::testing::make_recordset({{"ID", adInteger}}, {{1}, {2}})));
+  const std::tuple<const char*, int32_t, int32_t> cases[] = {
+      {"0", 11, 6},   // division by zero while paging: the empty page is there
+      {"x", 13, 0},   // unreadable setting: nothing handed over
+  };
+  for (const auto& [size, number, columns] : cases) {
+    SCOPED_TRACE(size);
+    fakes.ini->set("Page Size", "Paging", "Dunmere", size);
+    Variant page = Variant("in");
+    EXPECT_FALSE(ui.GetTemplateList(session, 3, 0, page));
+    EXPECT_THAT(ui.Error(), ErrorIs(number, "UIReq::GetTemplateList "));
+    if (columns == 0) {
+      EXPECT_EQ(page, Variant("in"));
+      continue;
+    }
+    auto rs = page.as<Recordset>();
+    ASSERT_NE(rs, nullptr);
+    EXPECT_EQ(rs->GetFields().Count(), columns);
+    EXPECT_EQ(rs->RecordCount(), 0);
+  }
+  ON_CALL(*templates, GetTemplateList).WillByDefault(Return(nullptr));
   Variant page = Variant("in");
-  ASSERT_TRUE(ui.GetTemplateList(session, 3, 0, page));
-  auto rs = page.as<Recordset>();
-  EXPECT_EQ(rs->RecordCount(), 20);
-  EXPECT_EQ(rs->GetFields().Count(), 6);
-  ASSERT_TRUE(ui.GetTemplateList(session, 3, 2, page));
-  rs = page.as<Recordset>();
-  EXPECT_EQ((Values{rs->value(0), rs->value(4), rs->value(5)}), (Values{21, 21, 25}));
+  EXPECT_FALSE(ui.GetTemplateList(session, 3, 0, page));
+  EXPECT_EQ(page, Variant("in"));
+}
+
+// A copy reported as done without its figures counts as no copy: the outputs are 0 and no
+// template is marked.
+TEST_F(UIReqTest, CopiesWithoutFiguresGiveZeroAndMarkNothing) {
+  EXPECT_CALL(*req, CopyRequisition).WillRepeatedly(Return(true));
+  EXPECT_CALL(*req, MarkAsTemplate).Times(0);
+  Variant new_id = Variant("?"), items = Variant("?"), copied = Variant("?");
+  ASSERT_TRUE(ui.CopyReq(session, 30, "Chairs", new_id, items, copied));
+  EXPECT_EQ((Values{new_id, items, copied}), (Values{0, 0, 0}));
+  EXPECT_FALSE(ui.CreateTemplate(session, 30, "Chairs", 2));
+  // A favourite stored without its line and form reports 0 for both.
+  EXPECT_CALL(*req, AddFavoriteItem).WillOnce(Return(true));
+  ASSERT_TRUE(favorite("1"));
+  expect_in_outs(12, 0, 0);
+}
+
+TEST_F(UIReqTest, CreationFailuresAreRecordedUnderTheClassName) {
+  env->fail_error_creation = true;
+  EXPECT_THAT(UIReq(env->runtime).Error(),
+              ErrorIs(429, "UIReq::Class_Initialize KxUtility03.KxError"));
 }
 
 }  // namespace

@@ -12,9 +12,7 @@ bool UIUtility::GetAppIniValue(const SessionPtr& p_Session, const std::string& p
                                ByRef<Variant> p_AppIniValue, ByRef<Variant> p_CustomData) noexcept {
   return guarded("UIUtility::GetAppIniValue", false, [&] {
     auto ini = create<AppIni>(progid::AppIni);
-    if (!ini->ReadValue(p_Session, p_Name, p_Section, p_AppName, *p_CustomData)) {
-      raise_business_error(*ini);
-    }
+    check(*ini, ini->ReadValue(p_Session, p_Name, p_Section, p_AppName, *p_CustomData));
     *p_AppIniValue = Variant(ini->GetValue());
     return true;
   });
@@ -33,7 +31,7 @@ RecordsetPtr UIUtility::GetList(const SessionPtr& p_Session, ByRef<Variant> p_Cu
         auto ini = create<AppIni>(progid::AppIni);
         RecordsetPtr list = ini->GetSettingsList(p_Session, *p_CustomData);
         success_ = ini->Success();
-        if (!success_) raise_business_error(*ini);
+        check(*ini, success_);
         return list;
       },
       Track::kSuccess);

@@ -18,10 +18,8 @@ bool UIWF::BuildDataStructure(const SessionPtr& p_Session, int32_t plngReqID,
       "Workflow::BuildDataStructure", false,
       [&] {
         auto diagram = create<business::Diagram>(progid::Diagram);
-        if (!diagram->BuildDataStructure(p_Session, plngReqID, mode, SeqNum, *HTML_Result,
-                                         psFontFace, *p_CustomData)) {
-          raise_business_error(*diagram);
-        }
+        check(*diagram, diagram->BuildDataStructure(p_Session, plngReqID, mode, SeqNum,
+                                                    *HTML_Result, psFontFace, *p_CustomData));
         return true;
       },
       Track::kSuccess);

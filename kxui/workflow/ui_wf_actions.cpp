@@ -13,7 +13,7 @@ bool UIWF::workflow_action(std::string_view source, Call&& call) noexcept {
       source, false,
       [&] {
         auto workflow = create<Workflow>(progid::Workflow);
-        if (!call(*workflow)) raise_business_error(*workflow);
+        check(*workflow, call(*workflow));
         return true;
       },
       Track::kSuccess);
@@ -120,7 +120,7 @@ int32_t UIWF::GetApprovalCount(const SessionPtr& p_Session, int32_t p_lReqID,
       [&] {
         auto workflow = create<Workflow>(progid::Workflow);
         count = workflow->GetApprovalCount(p_Session, p_lReqID, *p_CustomData);
-        if (!workflow->Success()) raise_business_error(*workflow);
+        check(*workflow, workflow->Success());
         success_ = true;
         return true;
       },

@@ -39,9 +39,7 @@ bool UIWF::GetBorgDelegationData(const SessionPtr& p_Session, ByRef<Variant> p_B
       "UIWF::GetBorgDelegationData", false,
       [&] {
         auto delegation = create<BorgDelegation>(progid::BorgDelegation);
-        if (!load_delegation(*delegation, p_Session, *p_CustomData)) {
-          raise_business_error(*delegation);
-        }
+        check(*delegation, load_delegation(*delegation, p_Session, *p_CustomData));
         // Written one by one: a failure part way leaves the earlier ones written.
         *p_BorgID = Variant(delegation->BorgID());
         *p_SysUserID = Variant(delegation->SysUserID());
@@ -64,16 +62,14 @@ bool UIWF::SaveBorgDelegationData(const SessionPtr& p_Session, int32_t p_BorgID,
       "UIWF::SaveBorgDelegationData", false,
       [&] {
         auto delegation = create<BorgDelegation>(progid::BorgDelegation);
-        if (!load_delegation(*delegation, p_Session, *p_CustomData)) {
-          raise_business_error(*delegation);
-        }
+        check(*delegation, load_delegation(*delegation, p_Session, *p_CustomData));
         delegation->SetBorgID(p_BorgID);
         delegation->SetSysUserID(p_SysUserID);
         delegation->SetDelegateeID(p_DelegateeID);
         delegation->SetDelegateStartDate(p_DelegateStartDate);
         delegation->SetDelegateEndDate(p_DelegateEndDate);
         delegation->SetEnabled(p_Enabled);
-        if (!delegation->Save(p_Session, *p_CustomData)) raise_business_error(*delegation);
+        check(*delegation, delegation->Save(p_Session, *p_CustomData));
         return true;
       },
       Track::kSuccess);
@@ -90,7 +86,7 @@ RecordsetPtr UIWF::GetDelegateSearchResultsRs(const SessionPtr& p_Session,
         RecordsetPtr found = delegation->GetDelegateSearchResults(p_Session, p_sSearchName,
                                                                   p_sSearchLogin, *p_CustomData);
         success_ = delegation->Success();
-        if (!success_) raise_business_error(*delegation);
+        check(*delegation, success_);
         return found;
       },
       Track::kSuccess);

@@ -57,9 +57,7 @@ RecordsetPtr UIWF::GetHeaderRs(const SessionPtr& p_Session, int32_t p_lReqID, in
         rs->AddNew();
 
         auto req = create<business::Requisition>(progid::Requisition);
-        if (!req->Load(p_Session, p_lReqID, p_bLockReq, *p_CustomData)) {
-          raise_business_error(*req);
-        }
+        check(*req, req->Load(p_Session, p_lReqID, p_bLockReq, *p_CustomData));
         auto header = req->Header();
         if (!header) fail(err::kObjectNotSet);
         rs->set_value(kReqBorgName, Variant(header->BorgName()));
@@ -70,9 +68,7 @@ RecordsetPtr UIWF::GetHeaderRs(const SessionPtr& p_Session, int32_t p_lReqID, in
 
         if (p_lSeqNum > -1) {
           auto approval = create<business::Approval>(progid::Approval);
-          if (!approval->Load(p_Session, p_lReqID, p_lSeqNum, *p_CustomData)) {
-            raise_business_error(*approval);
-          }
+          check(*approval, approval->Load(p_Session, p_lReqID, p_lSeqNum, *p_CustomData));
           rs->set_value(kApprovalTypeDesc, Variant(approval->ApprovalTypeDesc()));
           rs->set_value(kApprovalStatusID, Variant(approval->ApprovalStatusID()));
           rs->set_value(kApproverID, Variant(approval->ApproverID()));
@@ -95,10 +91,8 @@ RecordsetPtr UIWF::GetApprovalItemsRs(const SessionPtr& p_Session, int32_t p_lRe
         rs->Open();
 
         auto items = create<business::ApprovalItems>(progid::ApprovalItems);
-        if (!items->Load(p_Session, p_lReqID, p_lSeqNum, *p_CustomData) &&
-            items->ResultCode() != kItemsNoData) {
-          raise_business_error(*items);
-        }
+        check(*items, items->Load(p_Session, p_lReqID, p_lSeqNum, *p_CustomData) ||
+                          items->ResultCode() == kItemsNoData);
         const auto list = items->Items();
         rs->reserve(static_cast<int32_t>(list.size()));
         for (const auto& item : list) {

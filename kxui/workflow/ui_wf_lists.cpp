@@ -6,6 +6,7 @@
 #include "kxui/business/workflow.h"
 #include "kxui/frame/display.h"
 #include "kxui/frame/settings.h"
+#include "kxui/frame/text.h"
 #include "kxui/workflow/ui_wf.h"
 
 namespace kxui {
@@ -17,7 +18,8 @@ namespace {
 constexpr int32_t kApproverListNoData = 5;
 constexpr int32_t kReviewNoData = 7;
 
-// "UIDisplay_CommentsLength": the trimmed length of "Comments", Null for Null.
+// "UIDisplay_CommentsLength": the length of "Comments" without leading and trailing
+// spaces (tabs and line breaks count), Null for Null.
 DisplayColumn comments_length() {
   return computed_display(
       "UIDisplay_CommentsLength", adInteger, 0, [](const Recordset& src, DisplayContext&) {
@@ -25,19 +27,24 @@ DisplayColumn comments_length() {
         return RowFiller([col](const Recordset& row) {
           const Variant& comments = row.value(col);
           if (comments.is_null()) return Variant::null();
-          return Variant(static_cast<int32_t>(conv::utf8_length(conv::trim(comments.to_string()))));
+          const std::string kept = text::trim_spaces(comments.to_string());
+          return Variant(static_cast<int32_t>(conv::utf8_length(kept)));
         });
       });
 }
 
-// One page of `list` rebuilt for display. Both work lists take -1, and only -1, among
-// the negative pages as "the last page".
-RecordsetPtr display_page(const Runtime& rt, AppIni& ini, const SessionPtr& session,
-                          Recordset& list, int32_t page, int32_t date_style, Variant& custom_data,
-                          const std::vector<DisplayColumn>& columns) {
-  return display_list_page(rt, ini, session, custom_data, list, page, date_style, columns,
-                           {.past_end = PastEnd::kMinusOne});
+// The user's locale and zone, the date formatter and the date style, in the order both
+// work lists take them: all before the list is asked for, so no session means no call.
+DisplayContext work_list_context(const Runtime& rt, AppIni& ini, const SessionPtr& session,
+                                 Variant& custom_data) {
+  DisplayContext ctx(rt, require(session), 2);
+  ctx.dates();
+  ctx.set_date_style(read_date_style(ini, session, custom_data));
+  return ctx;
 }
+
+// Both work lists take -1, and only -1, among the negative pages as "the last page".
+constexpr ListPageOptions kWorkListPaging{.past_end = PastEnd::kMinusOne};
 
 }  // namespace
 
@@ -48,18 +55,16 @@ RecordsetPtr UIWF::GetApproverListPage(const SessionPtr& p_Session, const std::s
       [&]() -> RecordsetPtr {
         auto ini = create<AppIni>(progid::AppIni);
         auto approvals = create<business::Approvals>(progid::Approvals);
-        const int32_t date_style = read_date_style(*ini, p_Session, *p_CustomData);
+        DisplayContext ctx = work_list_context(runtime(), *ini, p_Session, *p_CustomData);
         RecordsetPtr list = approvals->GetApproverList(p_Session, p_sSortBy, *p_CustomData);
-        if (!approvals->Success() && approvals->ResultCode() != kApproverListNoData) {
-          raise_business_error(*approvals);
-        }
+        check(*approvals, approvals->Success() || approvals->ResultCode() == kApproverListNoData);
         if (!list) return nullptr;
         static const std::vector<DisplayColumn> columns = {
             date_display("ApproveBeginDate", "UIDisplay_ReceivedDate"),
             date_display("ReqCreateDate", "UIDisplay_CreateDate"),
         };
-        return display_page(runtime(), *ini, p_Session, *list, p_lPage, date_style, *p_CustomData,
-                            columns);
+        return display_list_page(*ini, p_Session, *p_CustomData, *list, p_lPage, ctx, columns,
+                                 kWorkListPaging);
       },
       Track::kSuccess);
 }
@@ -71,18 +76,16 @@ RecordsetPtr UIWF::GetReviewerListPage(const SessionPtr& p_Session, const std::s
       [&]() -> RecordsetPtr {
         auto ini = create<AppIni>(progid::AppIni);
         auto review = create<business::ApprovalReview>(progid::ApprovalReview);
-        const int32_t date_style = read_date_style(*ini, p_Session, *p_CustomData);
+        DisplayContext ctx = work_list_context(runtime(), *ini, p_Session, *p_CustomData);
         RecordsetPtr list = review->GetReviewerList(p_Session, p_sSortBy, *p_CustomData);
-        if (!review->Success() && review->ResultCode() != kReviewNoData) {
-          raise_business_error(*review);
-        }
+        check(*review, review->Success() || review->ResultCode() == kReviewNoData);
         if (!list) return nullptr;
         static const std::vector<DisplayColumn> columns = {
             date_display("ReqCreateDate", "UIDisplay_CreateDate"),
             comments_length(),
         };
-        return display_page(runtime(), *ini, p_Session, *list, p_lPage, date_style, *p_CustomData,
-                            columns);
+        return display_list_page(*ini, p_Session, *p_CustomData, *list, p_lPage, ctx, columns,
+                                 kWorkListPaging);
       },
       Track::kSuccess);
 }
@@ -94,9 +97,7 @@ RecordsetPtr UIWF::GetReviewListRs(const SessionPtr& p_Session, int32_t p_lReqID
       [&] {
         auto review = create<business::ApprovalReview>(progid::ApprovalReview);
         RecordsetPtr list = review->GetReviewList(p_Session, p_lReqID, p_lReviewerID, *p_CustomData);
-        if (!review->Success() && review->ResultCode() != kReviewNoData) {
-          raise_business_error(*review);
-        }
+        check(*review, review->Success() || review->ResultCode() == kReviewNoData);
         return list;
       },
       Track::kSuccess);
@@ -113,7 +114,7 @@ RecordsetPtr UIWF::GetApproverSearchResultsRs(const SessionPtr& p_Session, int32
         RecordsetPtr found = workflow->GetApproverSearchResults(p_Session, p_lReqID, p_sSearchName,
                                                                 p_sSearchLogin, *p_CustomData);
         success_ = workflow->Success();
-        if (!success_) raise_business_error(*workflow);
+        check(*workflow, success_);
         return found;
       },
       Track::kSuccess);

@@ -42,6 +42,21 @@ class MockRequisition : public business::Requisition, public testing::FakeBusine
   MOCK_METHOD(bool, Success, ());
 };
 
+class MockApproval : public business::Approval, public testing::FakeBusinessObject {
+ public:
+  MOCK_METHOD(bool, Load, (const SessionPtr&, int32_t, int32_t, Variant&));
+  MOCK_METHOD(std::string, ApprovalTypeDesc, ());
+  MOCK_METHOD(int32_t, ApprovalStatusID, ());
+  MOCK_METHOD(int32_t, ApproverID, ());
+  MOCK_METHOD(Variant, ReceivedDate, ());
+};
+
+struct Item : business::ApprovalItem {
+  explicit Item(int32_t n) : line(n) {}
+  int32_t LineNum() override { return line; }
+  int32_t line;
+};
+
 class Header : public business::RequisitionHeader {
  public:
   std::string ReqName() override { return "Laptops"; }
@@ -111,6 +126,7 @@ class UIWFListsTest : public ::testing::Test {
 };
 
 TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
+  fakes.ini->set("DateFormat", "UI", "Dunmere", "1");
   EXPECT_CALL(*approvals, GetApproverList(session, "ReqID DESC", _))
       .WillOnce(Return(approver_list(3)));
   auto page = ui.GetApproverListPage(session, "ReqID DESC", 0);
@@ -119,14 +135,15 @@ TEST_F(UIWFListsTest, ApproverListPageLayoutAndDisplayDates) {
             "ReqID int, ReqCreateDate date, ApproveBeginDate date, "
             "UIDisplay_ReceivedDate text100, UIDisplay_CreateDate text100" +
                 kPaging);
-  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value(), Variant("1033/2/2024-03-02"));
-  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value(), Variant("1033/2/2024-04-02"));
+  EXPECT_EQ((*page)["UIDisplay_CreateDate"].Value(), Variant("1033/1/2024-03-02"));
+  EXPECT_EQ((*page)["UIDisplay_ReceivedDate"].Value(), Variant("1033/1/2024-04-02"));
 }
 
 TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
   EXPECT_CALL(*review, GetReviewerList(session, "ReqID", _))
       .WillOnce(Return(reviewer_list(
-          {Variant("  needs a quote  "), Variant::null(), Variant("d\xC3\xA9j\xC3\xA0")})));
+          {Variant("  needs a quote  "), Variant::null(), Variant("d\xC3\xA9j\xC3\xA0"),
+           Variant("\tok\r\n ")})));
   auto page = ui.GetReviewerListPage(session, "ReqID", 0);
   ASSERT_NE(page, nullptr);
   EXPECT_EQ(layout_of(*page),
@@ -138,7 +155,8 @@ TEST_F(UIWFListsTest, ReviewerListPageCountsTrimmedCommentsAndKeepsNull) {
     const Variant& v = (*page)["UIDisplay_CommentsLength"].Value();
     lengths.push_back(v.is_null() ? "Null" : v.to_string());
   }
-  EXPECT_EQ(lengths, (std::vector<std::string>{"13", "Null", "4"})) << "trimmed, in characters";
+  EXPECT_EQ(lengths, (std::vector<std::string>{"13", "Null", "4", "5"}))
+      << "spaces trimmed, tabs and line breaks counted, in characters";
 }
 
 TEST_F(UIWFListsTest, ListPagesOnlyTakeMinusOneAsTheLastPage) {
@@ -187,6 +205,28 @@ TEST_F(UIWFListsTest, EachListAcceptsOnlyItsOwnResultCode) {
   }
 }
 
+// The session's locale and zone and the date formatter come first: without them the
+// list is never asked for, even one the business tier would give as nothing.
+TEST_F(UIWFListsTest, WorkListsNeedTheSessionAndFormatterBeforeTheBusinessCall) {
+  EXPECT_CALL(*approvals, GetApproverList).Times(0);
+  EXPECT_CALL(*review, GetReviewerList).Times(0);
+  const std::tuple<const char*, SessionPtr, bool, int32_t> cases[] = {
+      {"no session", nullptr, true, err::kObjectNotSet},
+      {"no date formatter", session, false, 429},
+  };
+  for (const auto& [name, s, formatter, number] : cases) {
+    SCOPED_TRACE(name);
+    if (!formatter) env->runtime->Unregister(service_class::kDateFormatter);
+    EXPECT_EQ(ui.GetApproverListPage(s, "", 0), nullptr);
+    EXPECT_FALSE(ui.Success());
+    EXPECT_EQ(ui.Error()->Number(), number);
+    EXPECT_THAT(ui.Error()->Source(), StartsWith("UIWF::GetApproverListPage"));
+    EXPECT_EQ(ui.GetReviewerListPage(s, "", 0), nullptr);
+    EXPECT_FALSE(ui.Success());
+    EXPECT_THAT(ui.Error()->Source(), StartsWith("UIWF::GetReviewerListPage"));
+  }
+}
+
 TEST_F(UIWFListsTest, HeaderWithoutASequenceLeavesTheApprovalColumnsEmpty) {
   EXPECT_CALL(*req, Load(session, 8, false, _)).WillOnce(Return(true)).WillOnce(Return(false));
   auto rs = ui.GetHeaderRs(session, 8);
@@ -204,6 +244,57 @@ TEST_F(UIWFListsTest, HeaderWithoutASequenceLeavesTheApprovalColumnsEmpty) {
   req->fail_with(31, "Requisition", "locked by Bo");
   EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
   EXPECT_THAT(ui.Error(), ErrorIs(31, "UIReq::GetHeaderRs Requisition"));
+
+  // Loaded, but without a header object.
+  EXPECT_CALL(*req, Load).WillOnce(Return(true));
+  EXPECT_CALL(*req, Header()).WillOnce(Return(nullptr));
+  EXPECT_EQ(ui.GetHeaderRs(session, 8), nullptr);
+  EXPECT_THAT(ui.Error(), ErrorIs(91, "UIReq::GetHeaderRs "));
+}
+
+// With a step (0 counts), the approval of that requisition and step fills the last four
+// columns; its refusal fails the header.
+TEST_F(UIWFListsTest, HeaderWithAStepFillsTheApprovalColumns) {
+  auto approval = std::make_shared<NiceMock<MockApproval>>();
+  env->provide(progid::Approval, approval);
+  ON_CALL(*approval, ApprovalTypeDesc()).WillByDefault(Return("Budget"));
+  ON_CALL(*approval, ApprovalStatusID()).WillByDefault(Return(3));
+  ON_CALL(*approval, ApproverID()).WillByDefault(Return(42));
+  ON_CALL(*approval, ReceivedDate())
+      .WillByDefault(Return(Variant(Date::from_civil(2024, 4, 2, 23, 0, 0))));
+  EXPECT_CALL(*req, Load(session, 8, true, _)).WillRepeatedly(Return(true));
+  for (int32_t step : {0, 2}) {
+    SCOPED_TRACE(step);
+    EXPECT_CALL(*approval, Load(session, 8, step, _)).WillOnce(Return(true));
+    auto rs = ui.GetHeaderRs(session, 8, step, true);
+    ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+    EXPECT_EQ((std::vector<Variant>{rs->value(5), rs->value(6), rs->value(7), rs->value(8)}),
+              (std::vector<Variant>{Variant("Budget"), Variant("3"), Variant("1033/2/2024-04-02"),
+                                    Variant(int32_t{42})}));
+  }
+  approval->fail_with(32, "Approval", "no such step");
+  EXPECT_CALL(*approval, Load).WillOnce(Return(false));
+  EXPECT_EQ(ui.GetHeaderRs(session, 8, 1, true), nullptr);
+  EXPECT_FALSE(ui.Success());
+  EXPECT_THAT(ui.Error(), ErrorIs(32, "UIReq::GetHeaderRs Approval"));
+}
+
+// One row per item, in collection order, left on the last row added.
+TEST_F(UIWFListsTest, ApprovalItemsListTheStepsLinesInOrder) {
+  EXPECT_CALL(*items, Load(session, 8, 2, _)).WillOnce(Return(true));
+  ON_CALL(*items, Items())
+      .WillByDefault(Return(std::vector<std::shared_ptr<business::ApprovalItem>>{
+          std::make_shared<Item>(4), std::make_shared<Item>(7), std::make_shared<Item>(1)}));
+  auto rs = ui.GetApprovalItemsRs(session, 8, 2);
+  ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+  EXPECT_TRUE(ui.Success());
+  EXPECT_EQ(layout_of(*rs), "LineNum int");
+  EXPECT_EQ(rs->CursorLocation(), adUseClient);
+  EXPECT_EQ(rs->value(0), Variant(int32_t{1})) << "on the last row";
+  std::vector<Variant> lines;
+  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) lines.push_back(rs->value(0));
+  EXPECT_EQ(lines,
+            (std::vector<Variant>{Variant(int32_t{4}), Variant(int32_t{7}), Variant(int32_t{1})}));
 }
 
 }  // namespace
