@@ -3,6 +3,7 @@
 #include <cctype>
 #include <sstream>
 
+#include "kxui/frame/text.h"
 #include "reference/errors.h"
 #include "reference/req_store.h"
 #include "reference/route.h"
@@ -18,10 +19,7 @@ namespace {
 std::string work_list_order(const std::string& sort_by,
                             std::initializer_list<std::pair<const char*, const char*>> known,
                             const char* fallback) {
-  std::string text = sort_by;
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return std::tolower(c); });
-  std::istringstream in(text);
+  std::istringstream in(kxui::text::lower_ascii(sort_by));
   std::string column, direction;
   in >> column >> direction;
   if (column.empty()) return fallback;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "kxui/frame/text.h"
 #include "reference/errors.h"
 #include "reference/req_store.h"
 #include "reference/rows.h"
@@ -11,10 +12,7 @@ namespace kxui::reference {
 
 namespace {
 
-std::string lower(std::string s) {
-  std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
-  return s;
-}
+std::string lower(std::string_view s) { return kxui::text::lower_ascii(s); }
 
 constexpr Column kPartColumns[] = {
     {"PartID", Kind::kInt},

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <vector>
 
+#include "kxui/frame/text.h"
 #include "reference/errors.h"
 #include "reference/req_store.h"
 #include "reference/rows.h"
@@ -20,10 +21,7 @@ constexpr const char* kReqLocks = "req_locks";
 constexpr int kStatusSlots = 12;
 constexpr int kUnusedStatus = -9999;
 
-std::string lower(std::string s) {
-  std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
-  return s;
-}
+std::string lower(std::string_view s) { return kxui::text::lower_ascii(s); }
 
 // The ORDER BY of a caller's sort text: one of the known columns, optionally followed by
 // ASC or DESC. The clause is always one of these constants, never the caller's text.

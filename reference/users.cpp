@@ -6,6 +6,7 @@
 
 #include <sodium.h>
 
+#include "kxui/frame/text.h"
 #include "reference/errors.h"
 
 namespace kxui::reference {
@@ -19,10 +20,7 @@ void init_sodium() {
   });
 }
 
-std::string folded(std::string s) {
-  std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
-  return s;
-}
+std::string folded(std::string_view s) { return kxui::text::lower_ascii(s); }
 
 }  // namespace
 

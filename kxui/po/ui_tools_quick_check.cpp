@@ -7,6 +7,7 @@
 #include "kxui/business/requisition.h"
 #include "kxui/business/supplier_exchange.h"
 #include "kxui/business/utils.h"
+#include "kxui/frame/text.h"
 #include "kxui/po/detail/po_shared.h"
 #include "kxui/po/detail/supplier_link.h"
 #include "kxui/po/ui_tools.h"
@@ -50,9 +51,7 @@ bool UITools::send_quick_check(Dispatch& query, int32_t supplier_id, const std::
 bool UITools::QuickCheck(const SessionPtr& p_Session, ByRef<std::string> p_sDocType,
                          ByRef<int32_t> p_lDocID, ByRef<Variant> p_CustomData) noexcept {
   return guarded("UITools::QuickCheck", false, [&] {
-    std::string doc_type = *p_sDocType;
-    for (char& c : doc_type) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    if (doc_type != "PO") return false;  // only orders under reconciliation are checked
+    if (!text::iequals(*p_sDocType, "PO")) return false;  // only orders under reconciliation are checked
     const int32_t po_id = *p_lDocID;
 
     auto order = create<business::ReconcileOrder>(progid::ReconcileOrder);

@@ -12,6 +12,7 @@
 #include "kxui/business/utils.h"
 #include "kxui/frame/display.h"
 #include "kxui/frame/settings.h"
+#include "kxui/frame/text.h"
 #include "kxui/requisition/cart_messages.h"
 #include "kxui/requisition/ui_req.h"
 
@@ -22,16 +23,7 @@ namespace {
 // No column of these results is a date, so the date style is never used.
 constexpr int32_t kNoDateStyle = 2;
 
-bool same_currency(const std::string& a, const std::string& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(a[i])) !=
-        std::toupper(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
+bool same_currency(const std::string& a, const std::string& b) { return text::iequals(a, b); }
 
 // Unit prices of the rows in the session's currency, converted once per row (both money
 // columns ask for it; the columns are resolved on the first row). The Utils
