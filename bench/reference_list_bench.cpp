@@ -1,0 +1,93 @@
+// UIReq.GetListPage over the reference tier: the first page and a middle page of one
+// user's 1,000 and 1,000,000 requisitions, with the default services formatting the
+// dates. The ratio between the sizes shows what the contract costs: the tier hands the
+// façade every row of the list, so the page's cost grows with the list.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+
+#include <unistd.h>
+
+#include "kxui/requisition/ui_req.h"
+#include "reference/database.h"
+#include "reference/register.h"
+#include "reference/seed.h"
+#include "reference/soci_include.h"
+#include "services/register.h"
+
+namespace {
+
+using namespace kxui;
+
+struct Setup {
+  std::filesystem::path dir;
+  std::shared_ptr<reference::Database> db;
+  std::shared_ptr<Runtime> runtime = std::make_shared<Runtime>();
+  std::shared_ptr<BasicSession> session = std::make_shared<BasicSession>();
+
+  explicit Setup(int32_t rows) {
+    dir = std::filesystem::temp_directory_path() /
+          ("kxbench_" + std::to_string(::getpid()) + "_" + std::to_string(rows));
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    db = reference::Database::Open((dir / "bench.db").string());
+    reference::SeedOptions seed;
+    seed.users_per_borg = 2;
+    seed.parts = 50;
+    seed.requisitions_per_user = 0;
+    seed.bench_rows = rows;
+    reference::Seed(*db, seed);
+    services::ServiceOptions options;
+    options.ini_directory = dir;
+    services::RegisterDefaultServices(*runtime, options);
+    reference::Register(*runtime, db);
+    db->read([&](soci::session& sql) {
+      sql << "SELECT sys_user_id, borg_id FROM users WHERE login_id = 'bench'",
+          soci::into(session->sys_user_id), soci::into(session->borg_id);
+    });
+    session->time_zone_id = 4;  // not 15: every date is converted as well as formatted
+  }
+  ~Setup() {
+    runtime.reset();
+    db.reset();
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
+  }
+};
+
+Setup& setup(int32_t rows) {
+  static std::map<int32_t, std::unique_ptr<Setup>> cache;
+  auto& s = cache[rows];
+  if (!s) s = std::make_unique<Setup>(rows);
+  return *s;
+}
+
+// Args: rows, page (0 = the middle page).
+void BM_GetListPage(benchmark::State& state) {
+  const auto rows = static_cast<int32_t>(state.range(0));
+  Setup& s = setup(rows);
+  const int32_t page = state.range(1) == 0 ? rows / 20 / 2 : static_cast<int32_t>(state.range(1));
+  UIReq req(s.runtime);
+  for (auto _ : state) {
+    RecordsetPtr out = req.GetListPage(s.session, "bench", "", "CreateDate", "", page);
+    if (!out || out->RecordCount() != 20) {
+      state.SkipWithError(("no page: " + req.Error()->Description()).c_str());
+      break;
+    }
+    benchmark::DoNotOptimize(out);
+  }
+  state.counters["rows"] = rows;
+}
+BENCHMARK(BM_GetListPage)
+    ->Args({1000, 1})
+    ->Args({1000, 0})
+    ->Args({1000000, 1})
+    ->Args({1000000, 0})
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
