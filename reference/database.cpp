@@ -183,9 +183,9 @@ void Database::migrate() {
           soci::into(done);
       if (done > 0) return;
       m.apply(sql, backend_);
-      const std::string applied = date_text(now());
+      const std::string applied = date_text(now()), name(m.name);
       sql << "INSERT INTO schema_version (version, name, applied) VALUES (:v, :n, :a)",
-          soci::use(m.version), soci::use(std::string(m.name)), soci::use(applied);
+          soci::use(m.version), soci::use(name), soci::use(applied);
     });
   }
 }

@@ -186,7 +186,8 @@ int32_t create_orders(soci::session& sql, Database& db, int32_t req_id) {
     if (fresh) {
       std::string name = supplier_name;
       if (supplier) {
-        sql << "SELECT name FROM suppliers WHERE supplier_id = :s", soci::use(int(*supplier)),
+        const int supplier_id = *supplier;
+        sql << "SELECT name FROM suppliers WHERE supplier_id = :s", soci::use(supplier_id),
             soci::into(name);
       }
       soci::indicator sup_ind = supplier ? soci::i_ok : soci::i_null;

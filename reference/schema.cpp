@@ -147,34 +147,41 @@ void create_core_tables(soci::session& sql, Backend backend) {
 // Reference data the default services also know: locales they format, the zones they
 // convert, and the currencies and units every organisation uses.
 void insert_reference_data(soci::session& sql, Backend) {
+  // Bound values must outlive the statement, which runs after the full expression's
+  // temporaries are gone: every value below is a named variable.
   for (const LocaleInfo& l : kLocales) {
+    const std::string name(l.name), lang(l.lang_code), country(l.country_code),
+        description(l.description);
     sql << "INSERT INTO locales (locale_id, name, lang_code, country_code, description) "
            "VALUES (:i, :n, :l, :c, :d)",
-        soci::use(l.locale_id), soci::use(std::string(l.name)), soci::use(std::string(l.lang_code)),
-        soci::use(std::string(l.country_code)), soci::use(std::string(l.description));
+        soci::use(l.locale_id), soci::use(name), soci::use(lang), soci::use(country),
+        soci::use(description);
   }
   for (const services::TimeZoneInfo& z : services::kTimeZones) {
+    const std::string iana(z.iana_name), display(z.display_name);
     sql << "INSERT INTO time_zones (time_zone_id, iana_name, display_name) VALUES (:i, :n, :d)",
-        soci::use(z.id), soci::use(std::string(z.iana_name)),
-        soci::use(std::string(z.display_name));
+        soci::use(z.id), soci::use(iana), soci::use(display);
   }
   const std::pair<const char*, const char*> currencies[] = {
       {"USD", "US Dollar"}, {"EUR", "Euro"}, {"GBP", "Pound Sterling"}, {"CHF", "Swiss Franc"}};
-  for (const auto& [code, name] : currencies) {
+  for (const auto& [code_text, name_text] : currencies) {
+    const std::string code(code_text), name(name_text);
     sql << "INSERT INTO currencies (currency_code, description) VALUES (:c, :d)",
-        soci::use(std::string(code)), soci::use(std::string(name));
+        soci::use(code), soci::use(name);
   }
   const std::pair<const char*, const char*> uoms[] = {
       {"EA", "Each"}, {"BX", "Box"}, {"PK", "Pack"}, {"CS", "Case"}, {"KG", "Kilogram"},
       {"M", "Metre"}, {"L", "Litre"}, {"HR", "Hour"}};
-  for (const auto& [id, name] : uoms) {
-    sql << "INSERT INTO uoms (uom_id, description) VALUES (:u, :d)", soci::use(std::string(id)),
-        soci::use(std::string(name));
+  for (const auto& [id_text, name_text] : uoms) {
+    const std::string id(id_text), name(name_text);
+    sql << "INSERT INTO uoms (uom_id, description) VALUES (:u, :d)", soci::use(id),
+        soci::use(name);
   }
   for (const ResourceText& t : resource_texts()) {
+    const std::string locale(t.locale), text(t.text);
+    const int string_id = static_cast<int>(t.string_id);
     sql << "INSERT INTO resources (locale_name, string_id, text) VALUES (:l, :i, :t)",
-        soci::use(std::string(t.locale)), soci::use(static_cast<int>(t.string_id)),
-        soci::use(std::string(t.text));
+        soci::use(locale), soci::use(string_id), soci::use(text);
   }
 }
 
