@@ -4,6 +4,7 @@
 
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
+#include "reference/purchase_order.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
 #include "reference/workflow.h"
@@ -51,6 +52,10 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPartSearch>(rt, progid::PartSearch, db);
   add<RefCommodity>(rt, progid::Commodity, db);
   add<RefPurchaseOrder>(rt, progid::PurchaseOrder, db);
+  add<RefPOItem>(rt, progid::POItem, db);
+  add<RefPOItems>(rt, progid::POItems, db);
+  add<RefPOLog>(rt, progid::POLog, db);
+  add<RefPOStatus>(rt, progid::POStatus, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -72,7 +77,8 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
        {progid::Requisition, progid::Templates, progid::Workflow, progid::Diagram,
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
-        progid::PurchaseOrder, progid::Resource}) {
+        progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
+        progid::POLog, progid::POStatus}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

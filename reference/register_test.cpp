@@ -39,6 +39,10 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::PartSearch, [](auto& o) { return !!std::dynamic_pointer_cast<PartSearch>(o); }},
       {progid::Commodity, [](auto& o) { return !!std::dynamic_pointer_cast<Commodity>(o); }},
       {progid::PurchaseOrder, [](auto& o) { return !!std::dynamic_pointer_cast<PurchaseOrder>(o); }},
+      {progid::POItem, [](auto& o) { return !!std::dynamic_pointer_cast<POItem>(o); }},
+      {progid::POItems, [](auto& o) { return !!std::dynamic_pointer_cast<POItems>(o); }},
+      {progid::POLog, [](auto& o) { return !!std::dynamic_pointer_cast<POLog>(o); }},
+      {progid::POStatus, [](auto& o) { return !!std::dynamic_pointer_cast<POStatus>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -50,7 +54,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 17u);
+  EXPECT_EQ(ids.size(), 21u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
@@ -107,6 +111,42 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       EXPECT_NE(failure.number(), err::kNoSuchMember);
     }
     EXPECT_NE(req->GetError()->Number(), err::kNoSuchMember);
+  }
+}
+
+// The order contract has defaults too: none of its members may answer 438.
+TEST(Register, NoPurchaseOrderMemberIsLeftUnsupported) {
+  auto f = make_fixture();
+  auto s = f->session(f->ids.alice);
+  auto po = create_as<business::PurchaseOrder>(*f->runtime, progid::PurchaseOrder);
+  auto items = create_as<business::POItems>(*f->runtime, progid::POItems);
+  Variant cd;
+  int32_t a = 0, b = 0, c = 0;
+  const std::pair<const char*, std::function<void()>> members[] = {
+      {"LoadPO", [&] { po->LoadPO(s, 1, true, cd); }},
+      {"Header", [&] { po->Header(); }},
+      {"Succeeded", [&] { po->Succeeded(); }},
+      {"GetPOItems", [&] { po->GetPOItems(s, 1, 0, cd); }},
+      {"GetPOList", [&] { po->GetPOList(s, Variant(""), Variant(""), "", Variant(""), Variant(""), cd); }},
+      {"GetPOsByReq", [&] { po->GetPOsByReq(s, 1, cd); }},
+      {"GetPOLog", [&] { po->GetPOLog(s, 1, "", cd); }},
+      {"CopyToRequisition", [&] { po->CopyToRequisition(s, 1, "n", a, b, c, cd); }},
+      {"DeletePO", [&] { po->DeletePO(s, 1, cd); }},
+      {"DeleteLines", [&] { po->DeleteLines(s, items, 1, cd); }},
+      {"GetStatusRecord", [&] { po->GetStatusRecord(s, 1, cd); }},
+      {"IsValidLock", [&] { po->IsValidLock(s, 1, cd); }},
+      {"Reset", [&] { po->Reset(s, cd); }},
+      {"SetPOStatus", [&] { po->SetPOStatus(s, 1, 2, cd); }},
+  };
+  for (const auto& [name, call] : members) {
+    SCOPED_TRACE(name);
+    po->GetError()->SetNumber(0);
+    try {
+      call();
+    } catch (const Failure& failure) {
+      EXPECT_NE(failure.number(), err::kNoSuchMember);
+    }
+    EXPECT_NE(po->GetError()->Number(), err::kNoSuchMember);
   }
 }
 

@@ -178,12 +178,38 @@ void insert_reference_data(soci::session& sql, Backend) {
   }
 }
 
+// Orders: their statuses, the log, the status date, and the codes a supplier answers
+// with mapped to the statuses they stand for.
+const char* const kOrderTables[] = {
+    "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
+    "INSERT INTO po_statuses (po_status_id, name) VALUES (1, 'Open'), (2, 'Sent'), "
+    "(3, 'Acknowledged'), (4, 'Partly received'), (5, 'Received'), (6, 'Closed'), "
+    "(7, 'Cancelled')",
+    "ALTER TABLE purchase_orders ADD COLUMN status_date VARCHAR(19)",
+    "CREATE TABLE po_log (log_id {id}, po_id INTEGER NOT NULL REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, date_logged VARCHAR(19) NOT NULL, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "log_type VARCHAR(50) NOT NULL, description VARCHAR(2000) NOT NULL, "
+    "code VARCHAR(50) NOT NULL DEFAULT '')",
+    "CREATE INDEX po_log_po ON po_log(po_id)",
+    "CREATE TABLE supplier_status_codes (status_code VARCHAR(20) PRIMARY KEY, "
+    "po_status_id INTEGER NOT NULL REFERENCES po_statuses(po_status_id))",
+    "INSERT INTO supplier_status_codes (status_code, po_status_id) VALUES ('SENT', 2), "
+    "('ACK', 3), ('PARTIAL', 4), ('SHIPPED', 4), ('DELIVERED', 5), ('CLOSED', 6), "
+    "('CANCELLED', 7)",
+};
+
+void create_order_tables(soci::session& sql, Backend backend) {
+  for (const char* statement : kOrderTables) sql << ddl(statement, backend);
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
   static const std::vector<Migration> all = {
       {1, "core tables", create_core_tables},
       {2, "reference data", insert_reference_data},
+      {3, "order tables", create_order_tables},
   };
   return all;
 }
