@@ -140,13 +140,25 @@ RecordsetPtr RefPurchaseOrder::GetPOItems(const SessionPtr& session, int32_t po_
           (sql.prepare << "SELECT l.line_num, l.req_line_num, l.part_id, l.description, l.qty, "
                           "l.unit_price, CAST(ROUND(l.qty * l.unit_price * b.tax_rate) AS BIGINT), "
                           "CAST(ROUND(l.qty * l.unit_price) AS BIGINT), l.currency_code, "
-                          "NULL, COALESCE(o.status_date, o.create_date) FROM po_lines l "
+                          "o.create_date, COALESCE(o.status_date, o.create_date), "
+                          "COALESCE(p.lead_days, 0) FROM po_lines l "
                           "JOIN purchase_orders o ON o.po_id = l.po_id "
+                          "LEFT JOIN parts p ON p.part_id = l.part_id "
                           "JOIN requisitions r ON r.req_id = o.req_id "
                           "JOIN borgs b ON b.borg_id = r.borg_id "
                           "WHERE l.po_id = :p AND (:n = 0 OR l.line_num = :n2) ORDER BY l.line_num",
            soci::use(po_id), soci::use(line_number), soci::use(line_number));
-      return to_recordset(rows, kItemColumns);
+      // Due the part's lead time after the order was placed (special requests: that day).
+      RecordsetPtr rs = make_recordset(kItemColumns);
+      for (const soci::row& row : rows) {
+        const int64_t lead_days = get_int(row, 11).value_or(0);
+        append_row(*rs, kItemColumns, row, [&](Recordset& r) {
+          const Date placed = r["DeliverByDate"].Value().to_date();
+          r.set_value(9, Variant(Date::from_seconds(placed.seconds() + lead_days * 86400)));
+        });
+      }
+      if (rs->RecordCount() > 0) rs->MoveFirst();
+      return rs;
     });
   });
 }

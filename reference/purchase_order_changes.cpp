@@ -159,7 +159,11 @@ bool RefPurchaseOrder::IsValidLock(const SessionPtr& session, int32_t po_id, Var
     const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
       load_order(sql, po_id);
-      return holds_lock(sql, db(), kPOLocks, po_id, s);
+      if (!holds_lock(sql, db(), kPOLocks, po_id, s)) {
+        refuse(Refusal::kLockNotHeld, "This session no longer holds the lock on order " +
+                                          std::to_string(po_id) + ".");
+      }
+      return true;
     });
   });
 }
