@@ -67,7 +67,9 @@ std::string order_clause(const std::string& sort_by) {
   refuse(Refusal::kInvalidArgument, "The order list cannot be sorted by \"" + sort_by + "\".");
 }
 
-std::set<int32_t> parse_statuses(const std::string& list) {
+}  // namespace
+
+std::set<int32_t> parse_status_list(const std::string& list) {
   std::set<int32_t> out;
   std::stringstream in(list);
   std::string item;
@@ -89,6 +91,8 @@ std::set<int32_t> parse_statuses(const std::string& list) {
   }
   return out;
 }
+
+namespace {
 
 std::string text_arg(const Variant& v) {
   return v.is_empty() || v.is_null() || v.is_missing() ? std::string() : v.to_string();
@@ -169,31 +173,34 @@ RecordsetPtr RefPurchaseOrder::GetPOList(const SessionPtr& session, const Varian
                                          Variant&) {
   return answer("GetPOList", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
-    const std::string login = text::lower_ascii(text_arg(user_name));
-    const std::string borg = text_arg(borg_name);
-    const std::string number = text::lower_ascii(po_number);
-    const std::set<int32_t> statuses = parse_statuses(text_arg(status_list));
-    const std::string query =
-        std::string(kSummary) +
-        "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
-        "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR LOWER('PO-' || "
-        "CAST(o.po_id AS VARCHAR(20))) = :num2) ORDER BY " +
-        order_clause(text_arg(sort_by));
-    const int self = s.SysUserID();
     return db().read([&](soci::session& sql) {
-      soci::rowset<soci::row> rows =
-          (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
-           soci::use(borg), soci::use(borg), soci::use(number), soci::use(number));
-      RecordsetPtr rs = make_recordset(kSummaryColumns);
-      for (const soci::row& row : rows) {
-        if (statuses.empty() || statuses.count(int_of(row, 5))) {
-          append_row(*rs, kSummaryColumns, row);
-        }
-      }
-      if (rs->RecordCount() > 0) rs->MoveFirst();
-      return rs;
+      return order_list(sql, s, text_arg(user_name), text_arg(borg_name), po_number,
+                        text_arg(sort_by), parse_status_list(text_arg(status_list)));
     });
   });
+}
+
+RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string& user_name,
+                        const std::string& borg, const std::string& po_number,
+                        const std::string& sort_by, const std::set<int32_t>& statuses) {
+  const std::string login = text::lower_ascii(user_name);
+  const std::string number = text::lower_ascii(po_number);
+  const std::string query =
+      std::string(kSummary) +
+      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR LOWER('PO-' || "
+      "CAST(o.po_id AS VARCHAR(20))) = :num2) ORDER BY " +
+      order_clause(sort_by);
+  const int self = s.SysUserID();
+  soci::rowset<soci::row> rows =
+      (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
+       soci::use(borg), soci::use(borg), soci::use(number), soci::use(number));
+  RecordsetPtr rs = make_recordset(kSummaryColumns);
+  for (const soci::row& row : rows) {
+    if (statuses.empty() || statuses.count(int_of(row, 5))) append_row(*rs, kSummaryColumns, row);
+  }
+  if (rs->RecordCount() > 0) rs->MoveFirst();
+  return rs;
 }
 
 RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t req_id, Variant&) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -114,6 +115,15 @@ void require_changeable(soci::session& sql, Database& db, const PORow& po, const
 
 // Whether another session holds an unexpired lock on the order.
 bool locked_by_other(soci::session& sql, Database& db, int32_t po_id, const Session& s);
+
+// The statuses of a comma-separated list; refuses an entry that is not a number.
+std::set<int32_t> parse_status_list(const std::string& list);
+// The orders of a user (login; "" for the session user), an organisation ("" for any)
+// and an order number ("" for any) in the statuses (empty for all), sorted by one of
+// the known columns, with "CreateDate", "TotalAmtDue" and "CurrencyCode".
+RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string& user_name,
+                        const std::string& borg, const std::string& po_number,
+                        const std::string& sort_by, const std::set<int32_t>& statuses);
 
 // Appends an entry to an order's log (inside the caller's write).
 void log_po(soci::session& sql, Database& db, int32_t po_id, int32_t user_id,

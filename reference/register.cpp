@@ -4,6 +4,7 @@
 
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
+#include "reference/po_receipt.h"
 #include "reference/purchase_order.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
@@ -56,6 +57,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPOItems>(rt, progid::POItems, db);
   add<RefPOLog>(rt, progid::POLog, db);
   add<RefPOStatus>(rt, progid::POStatus, db);
+  add<RefPOReceipt>(rt, progid::POReceipt, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -78,7 +80,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
         progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
-        progid::POLog, progid::POStatus}) {
+        progid::POLog, progid::POStatus, progid::POReceipt}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -7,6 +7,7 @@
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
 #include "kxui/business/part_search.h"
+#include "kxui/business/po_receipt.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
 #include "kxui/business/requisition.h"
@@ -43,6 +44,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::POItems, [](auto& o) { return !!std::dynamic_pointer_cast<POItems>(o); }},
       {progid::POLog, [](auto& o) { return !!std::dynamic_pointer_cast<POLog>(o); }},
       {progid::POStatus, [](auto& o) { return !!std::dynamic_pointer_cast<POStatus>(o); }},
+      {progid::POReceipt, [](auto& o) { return !!std::dynamic_pointer_cast<POReceipt>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -54,7 +56,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 21u);
+  EXPECT_EQ(ids.size(), 22u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

@@ -178,8 +178,8 @@ void insert_reference_data(soci::session& sql, Backend) {
   }
 }
 
-// Orders: their statuses, the log, the status date, and the codes a supplier answers
-// with mapped to the statuses they stand for.
+// Orders: their statuses, the log, the status date, the codes a supplier answers with
+// mapped to the statuses they stand for, and receipts with what each line received.
 const char* const kOrderTables[] = {
     "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
     "INSERT INTO po_statuses (po_status_id, name) VALUES (1, 'Open'), (2, 'Sent'), "
@@ -197,6 +197,17 @@ const char* const kOrderTables[] = {
     "INSERT INTO supplier_status_codes (status_code, po_status_id) VALUES ('SENT', 2), "
     "('ACK', 3), ('PARTIAL', 4), ('SHIPPED', 4), ('DELIVERED', 5), ('CLOSED', 6), "
     "('CANCELLED', 7)",
+    "ALTER TABLE po_lines ADD COLUMN received_qty DOUBLE PRECISION NOT NULL DEFAULT 0",
+    "CREATE TABLE receipts (receipt_id {id}, po_id INTEGER NOT NULL REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, receive_date VARCHAR(19) NOT NULL, "
+    "doc_create_date VARCHAR(19) NOT NULL, carton_cnt INTEGER NOT NULL CHECK (carton_cnt >= 0), "
+    "received_by INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "create_date VARCHAR(19) NOT NULL)",
+    "CREATE INDEX receipts_po ON receipts(po_id)",
+    "CREATE TABLE receipt_lines (receipt_id INTEGER NOT NULL REFERENCES receipts(receipt_id) "
+    "ON DELETE CASCADE, line_num INTEGER NOT NULL, received_qty DOUBLE PRECISION NOT NULL, "
+    "packing_slip_qty DOUBLE PRECISION NOT NULL CHECK (packing_slip_qty >= 0), "
+    "comments VARCHAR(2000) NOT NULL DEFAULT '', PRIMARY KEY (receipt_id, line_num))",
 };
 
 void create_order_tables(soci::session& sql, Backend backend) {
