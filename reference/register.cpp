@@ -8,6 +8,7 @@
 #include "reference/purchase_order.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
+#include "reference/supplier_sim.h"
 #include "reference/workflow.h"
 
 namespace kxui::reference {
@@ -58,6 +59,8 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPOLog>(rt, progid::POLog, db);
   add<RefPOStatus>(rt, progid::POStatus, db);
   add<RefPOReceipt>(rt, progid::POReceipt, db);
+  add<RefCursorDataAccess>(rt, progid::CursorDataAccess, db);
+  RegisterSimulatedSupplier(rt, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -80,7 +83,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
         progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
-        progid::POLog, progid::POStatus, progid::POReceipt}) {
+        progid::POLog, progid::POStatus, progid::POReceipt, progid::CursorDataAccess}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -8,6 +8,7 @@
 #include "kxui/business/commodity.h"
 #include "kxui/business/part_search.h"
 #include "kxui/business/po_receipt.h"
+#include "kxui/business/cursor_data_access.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
 #include "kxui/business/requisition.h"
@@ -45,6 +46,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::POLog, [](auto& o) { return !!std::dynamic_pointer_cast<POLog>(o); }},
       {progid::POStatus, [](auto& o) { return !!std::dynamic_pointer_cast<POStatus>(o); }},
       {progid::POReceipt, [](auto& o) { return !!std::dynamic_pointer_cast<POReceipt>(o); }},
+      {progid::CursorDataAccess, [](auto& o) { return !!std::dynamic_pointer_cast<CursorDataAccess>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -56,7 +58,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 22u);
+  EXPECT_EQ(ids.size(), 23u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

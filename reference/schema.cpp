@@ -179,7 +179,8 @@ void insert_reference_data(soci::session& sql, Backend) {
 }
 
 // Orders: their statuses, the log, the status date, the codes a supplier answers with
-// mapped to the statuses they stand for, and receipts with what each line received.
+// mapped to the statuses they stand for, receipts with what each line received, the
+// customer names suppliers know organisations by, and the simulated supplier's answers.
 const char* const kOrderTables[] = {
     "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
     "INSERT INTO po_statuses (po_status_id, name) VALUES (1, 'Open'), (2, 'Sent'), "
@@ -208,6 +209,18 @@ const char* const kOrderTables[] = {
     "ON DELETE CASCADE, line_num INTEGER NOT NULL, received_qty DOUBLE PRECISION NOT NULL, "
     "packing_slip_qty DOUBLE PRECISION NOT NULL CHECK (packing_slip_qty >= 0), "
     "comments VARCHAR(2000) NOT NULL DEFAULT '', PRIMARY KEY (receipt_id, line_num))",
+    "CREATE TABLE borg_accounts (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "ebo_id INTEGER NOT NULL DEFAULT 0, customer_name VARCHAR(100) NOT NULL, "
+    "PRIMARY KEY (borg_id, ebo_id))",
+    "CREATE TABLE sim_part_answers (supplier_id INTEGER NOT NULL REFERENCES "
+    "suppliers(supplier_id), supplier_part_num VARCHAR(50) NOT NULL, "
+    "supplier_part_num_ext VARCHAR(50) NOT NULL DEFAULT '', unit_price BIGINT NOT NULL, "
+    "available_qty DOUBLE PRECISION NOT NULL, "
+    "PRIMARY KEY (supplier_id, supplier_part_num, supplier_part_num_ext))",
+    "CREATE TABLE sim_order_answers (po_id INTEGER PRIMARY KEY REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, status_code VARCHAR(20) NOT NULL)",
+    "CREATE TABLE sim_supplier_outages (supplier_id INTEGER PRIMARY KEY REFERENCES "
+    "suppliers(supplier_id), error_code VARCHAR(20) NOT NULL, error_text VARCHAR(255) NOT NULL)",
 };
 
 void create_order_tables(soci::session& sql, Backend backend) {
