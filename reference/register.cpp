@@ -6,6 +6,7 @@
 #include "reference/catalog.h"
 #include "reference/po_receipt.h"
 #include "reference/purchase_order.h"
+#include "reference/reconcile.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
 #include "reference/supplier_sim.h"
@@ -60,6 +61,8 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPOStatus>(rt, progid::POStatus, db);
   add<RefPOReceipt>(rt, progid::POReceipt, db);
   add<RefCursorDataAccess>(rt, progid::CursorDataAccess, db);
+  add<RefReconcileOrder>(rt, progid::ReconcileOrder, db);
+  add<RefReconcileItems>(rt, progid::ReconcileItems, db);
   RegisterSimulatedSupplier(rt, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
@@ -83,7 +86,8 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
         progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
-        progid::POLog, progid::POStatus, progid::POReceipt, progid::CursorDataAccess}) {
+        progid::POLog, progid::POStatus, progid::POReceipt, progid::CursorDataAccess,
+        progid::ReconcileOrder, progid::ReconcileItems}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -10,6 +10,7 @@
 #include "kxui/business/po_receipt.h"
 #include "kxui/business/cursor_data_access.h"
 #include "kxui/business/progids.h"
+#include "kxui/business/reconcile.h"
 #include "kxui/business/purchase_order.h"
 #include "kxui/business/requisition.h"
 #include "kxui/business/resource.h"
@@ -46,6 +47,8 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::POLog, [](auto& o) { return !!std::dynamic_pointer_cast<POLog>(o); }},
       {progid::POStatus, [](auto& o) { return !!std::dynamic_pointer_cast<POStatus>(o); }},
       {progid::POReceipt, [](auto& o) { return !!std::dynamic_pointer_cast<POReceipt>(o); }},
+      {progid::ReconcileOrder, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileOrder>(o); }},
+      {progid::ReconcileItems, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileItems>(o); }},
       {progid::CursorDataAccess, [](auto& o) { return !!std::dynamic_pointer_cast<CursorDataAccess>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -58,7 +61,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 23u);
+  EXPECT_EQ(ids.size(), 25u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

@@ -180,7 +180,8 @@ void insert_reference_data(soci::session& sql, Backend) {
 
 // Orders: their statuses, the log, the status date, the codes a supplier answers with
 // mapped to the statuses they stand for, receipts with what each line received, the
-// customer names suppliers know organisations by, and the simulated supplier's answers.
+// working copies of orders under reconciliation, the customer names suppliers know
+// organisations by, and the simulated supplier's answers.
 const char* const kOrderTables[] = {
     "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
     "INSERT INTO po_statuses (po_status_id, name) VALUES (1, 'Open'), (2, 'Sent'), "
@@ -209,6 +210,14 @@ const char* const kOrderTables[] = {
     "ON DELETE CASCADE, line_num INTEGER NOT NULL, received_qty DOUBLE PRECISION NOT NULL, "
     "packing_slip_qty DOUBLE PRECISION NOT NULL CHECK (packing_slip_qty >= 0), "
     "comments VARCHAR(2000) NOT NULL DEFAULT '', PRIMARY KEY (receipt_id, line_num))",
+    "CREATE TABLE recon_lines (po_id INTEGER NOT NULL REFERENCES purchase_orders(po_id) "
+    "ON DELETE CASCADE, line_num INTEGER NOT NULL, supplier_part_num VARCHAR(50) NOT NULL, "
+    "supplier_part_num_ext VARCHAR(50) NOT NULL DEFAULT '', uom_id VARCHAR(10) NOT NULL, "
+    "description VARCHAR(255) NOT NULL, unit_price BIGINT NOT NULL, "
+    "actual_unit_price BIGINT NOT NULL, currency_code VARCHAR(3) NOT NULL, "
+    "order_qty DOUBLE PRECISION NOT NULL, back_order_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
+    "shipped_qty DOUBLE PRECISION NOT NULL, in_stock_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
+    "deleted INTEGER NOT NULL DEFAULT 0, PRIMARY KEY (po_id, line_num))",
     "CREATE TABLE borg_accounts (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
     "ebo_id INTEGER NOT NULL DEFAULT 0, customer_name VARCHAR(100) NOT NULL, "
     "PRIMARY KEY (borg_id, ebo_id))",
