@@ -174,6 +174,52 @@ TEST(Orders, DeletingLinesIsLoggedAndAllOrNothing) {
   EXPECT_EQ(ui.Error()->Number(), error_number(Refusal::kNotFound));
 }
 
+// A line's cost split over the organisation's cost centres: lists checked as a whole,
+// a refused split keeps the stored one.
+TEST(Orders, CostSplitsAddUpToAHundredPercent) {
+  Ordered o;
+  auto alice = o.f->session(o.f->ids.alice);
+  int32_t ops = 0, it = 0, other = 0;
+  o.f->db->write([&](soci::session& sql) {
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'C1', 'Operations') "
+           "RETURNING cost_center_id", soci::use(o.f->ids.acme), soci::into(ops);
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'C2', 'IT') "
+           "RETURNING cost_center_id", soci::use(o.f->ids.acme), soci::into(it);
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'C9', 'Elsewhere') "
+           "RETURNING cost_center_id", soci::use(o.f->ids.berg), soci::into(other);
+  });
+  UIPO ui(o.f->runtime);
+  RecordsetPtr centers = ui.GetListCostCenter(alice, o.po_id);
+  ASSERT_TRUE(centers);
+  EXPECT_EQ(column_values(*centers, "CostCenterName"), (std::vector<std::string>{"Operations", "IT"}));
+
+  const std::string a = std::to_string(ops), b = std::to_string(it), c = std::to_string(other);
+  ASSERT_TRUE(ui.SaveCostDistribs(alice, o.po_id, 1, a + ";" + b, "60;40"))
+      << ui.Error()->Description();
+  struct Case {
+    std::string ids, percents, delimiter;
+    const char* why;
+  };
+  const Case refused[] = {
+      {a + ";" + b, "60;30", ";", "add up to"},
+      {a + ";" + b, "100", ";", "one percentage"},
+      {a + ";" + c, "50;50", ";", "not one of the order's organisation"},
+      {a + ";" + b, "60;x", ";", "\"x\" is not a percentage"},
+      {a + "|" + b, "150|-50", "|", "above 0"},
+  };
+  auto distribs = create_as<business::POCostDistribs>(*o.f->runtime, progid::POCostDistribs);
+  Variant cd;
+  for (const Case& r : refused) {
+    SCOPED_TRACE(r.ids + " " + r.percents);
+    EXPECT_FALSE(distribs->SaveCostDistribs(alice, o.po_id, 1, r.ids, r.percents, r.delimiter, cd));
+    EXPECT_THAT(distribs->GetError()->Description(), HasSubstr(r.why));
+  }
+  RecordsetPtr split = ui.GetListCostDistribs(alice, o.po_id, 1);
+  ASSERT_TRUE(split);
+  EXPECT_EQ(column_values(*split, "Percent"), (std::vector<std::string>{"60", "40"}));
+  EXPECT_EQ(column_values(*split, "CostCenterName"), (std::vector<std::string>{"Operations", "IT"}));
+}
+
 // A supplier's status codes map to order statuses; a status set from outside closes the
 // order to changes and is logged.
 TEST(Orders, SupplierStatusesMapAndCloseTheOrder) {

@@ -4,6 +4,7 @@
 
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
+#include "reference/cost_distribs.h"
 #include "reference/po_receipt.h"
 #include "reference/purchase_order.h"
 #include "reference/reconcile.h"
@@ -60,6 +61,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPOLog>(rt, progid::POLog, db);
   add<RefPOStatus>(rt, progid::POStatus, db);
   add<RefPOReceipt>(rt, progid::POReceipt, db);
+  add<RefPOCostDistribs>(rt, progid::POCostDistribs, db);
   add<RefCursorDataAccess>(rt, progid::CursorDataAccess, db);
   add<RefReconcileOrder>(rt, progid::ReconcileOrder, db);
   add<RefReconcileItems>(rt, progid::ReconcileItems, db);
@@ -87,7 +89,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
         progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
         progid::POLog, progid::POStatus, progid::POReceipt, progid::CursorDataAccess,
-        progid::ReconcileOrder, progid::ReconcileItems}) {
+        progid::ReconcileOrder, progid::ReconcileItems, progid::POCostDistribs}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -49,6 +49,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::POReceipt, [](auto& o) { return !!std::dynamic_pointer_cast<POReceipt>(o); }},
       {progid::ReconcileOrder, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileOrder>(o); }},
       {progid::ReconcileItems, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileItems>(o); }},
+      {progid::POCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<POCostDistribs>(o); }},
       {progid::CursorDataAccess, [](auto& o) { return !!std::dynamic_pointer_cast<CursorDataAccess>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -61,7 +62,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 25u);
+  EXPECT_EQ(ids.size(), 26u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

@@ -180,7 +180,8 @@ void insert_reference_data(soci::session& sql, Backend) {
 
 // Orders: their statuses, the log, the status date, the codes a supplier answers with
 // mapped to the statuses they stand for, receipts with what each line received, the
-// working copies of orders under reconciliation, the customer names suppliers know
+// working copies of orders under reconciliation, cost centres and how order lines are
+// split over them, the customer names suppliers know
 // organisations by, and the simulated supplier's answers.
 const char* const kOrderTables[] = {
     "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
@@ -218,6 +219,14 @@ const char* const kOrderTables[] = {
     "order_qty DOUBLE PRECISION NOT NULL, back_order_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
     "shipped_qty DOUBLE PRECISION NOT NULL, in_stock_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
     "deleted INTEGER NOT NULL DEFAULT 0, PRIMARY KEY (po_id, line_num))",
+    "CREATE TABLE cost_centers (cost_center_id {id}, borg_id INTEGER NOT NULL REFERENCES "
+    "borgs(borg_id), code VARCHAR(20) NOT NULL, name VARCHAR(100) NOT NULL, "
+    "UNIQUE (borg_id, code))",
+    "CREATE TABLE po_cost_distribs (po_id INTEGER NOT NULL, line_num INTEGER NOT NULL, "
+    "cost_center_id INTEGER NOT NULL REFERENCES cost_centers(cost_center_id), "
+    "percent DOUBLE PRECISION NOT NULL CHECK (percent > 0 AND percent <= 100), "
+    "PRIMARY KEY (po_id, line_num, cost_center_id), FOREIGN KEY (po_id, line_num) "
+    "REFERENCES po_lines(po_id, line_num) ON DELETE CASCADE)",
     "CREATE TABLE borg_accounts (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
     "ebo_id INTEGER NOT NULL DEFAULT 0, customer_name VARCHAR(100) NOT NULL, "
     "PRIMARY KEY (borg_id, ebo_id))",
