@@ -109,6 +109,9 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       {"CancelRequisition", [&] { req->CancelRequisition(s, 1, cd); }},
       {"DeleteRequisition", [&] { req->DeleteRequisition(s, 1, cd); }},
       {"MarkAsTemplate", [&] { req->MarkAsTemplate(s, 1, 1, cd); }},
+      {"QuickCheckLines", [&] { req->QuickCheckLines(); }},
+      {"ReqCurrencyCode", [&] { req->ReqCurrencyCode(); }},
+      {"SetQuickCheckPrice", [&] { req->SetQuickCheckPrice(0, Currency()); }},
   };
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);
