@@ -79,17 +79,26 @@ RecordsetPtr RefPOReceipt::GetReceiptHdr(const SessionPtr& session, Array& param
   return answer("GetReceiptHdr", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
     const int32_t po_id = params.at(0).to_int32();
-    const std::string now = date_text(db().now());
+    const Date now = db().now();
     const int user = s.SysUserID();
     return db().read([&](soci::session& sql) {
       load_order(sql, po_id);
       // A new receipt: no id yet, no cartons, received and documented today.
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT 0, o.po_id, 'PO-' || CAST(o.po_id AS VARCHAR(20)), "
-                          "o.supplier_name, 0, :d1, :d2, u.full_name FROM purchase_orders o, "
-                          "users u WHERE o.po_id = :p AND u.sys_user_id = :u",
-           soci::use(now), soci::use(now), soci::use(po_id), soci::use(user));
-      return to_recordset(rows, kHeaderColumns);
+                          "o.supplier_name, 0, o.create_date, o.create_date, u.full_name "
+                          "FROM purchase_orders o, users u WHERE o.po_id = :p AND "
+                          "u.sys_user_id = :u",
+           soci::use(po_id), soci::use(user));
+      RecordsetPtr rs = make_recordset(kHeaderColumns);
+      for (const soci::row& row : rows) {
+        append_row(*rs, kHeaderColumns, row, [&](Recordset& r) {
+          r.set_value(5, Variant(now));
+          r.set_value(6, Variant(now));
+        });
+      }
+      if (rs->RecordCount() > 0) rs->MoveFirst();
+      return rs;
     });
   });
 }

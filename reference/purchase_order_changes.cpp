@@ -146,10 +146,18 @@ RecordsetPtr RefPurchaseOrder::GetStatusRecord(const SessionPtr& session, int32_
       const bool can_edit = po.status == po_status::kOpen && !other;
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT o.po_id, o.status_id, s.name, "
-                          "COALESCE(o.status_date, o.create_date), :e, :o FROM purchase_orders o "
+                          "COALESCE(o.status_date, o.create_date), 0, 0 FROM purchase_orders o "
                           "JOIN po_statuses s ON s.po_status_id = o.status_id WHERE o.po_id = :p",
-           soci::use(int(can_edit)), soci::use(int(other)), soci::use(po_id));
-      return to_recordset(rows, kStatusColumns);
+           soci::use(po_id));
+      RecordsetPtr rs = make_recordset(kStatusColumns);
+      for (const soci::row& row : rows) {
+        append_row(*rs, kStatusColumns, row, [&](Recordset& r) {
+          r.set_value(4, Variant(can_edit));
+          r.set_value(5, Variant(other));
+        });
+      }
+      if (rs->RecordCount() > 0) rs->MoveFirst();
+      return rs;
     });
   });
 }

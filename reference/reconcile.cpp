@@ -45,7 +45,8 @@ constexpr Column kItemColumns[] = {
 
 }  // namespace
 
-void RefReconcileItem::store(const char* column, double value) {
+template <class T>
+void RefReconcileItem::store(const char* column, T value) {
   db_->write([&](soci::session& sql) {
     sql << "UPDATE recon_lines SET " + std::string(column) +
                " = :v WHERE po_id = :p AND line_num = :l",
@@ -57,9 +58,9 @@ void RefReconcileItem::SetDeleted(bool v) {
   store("deleted", v ? 1 : 0);
   deleted = v;
 }
-void RefReconcileItem::SetUnitPrice(Currency p) { store("unit_price", double(p.scaled)); }
+void RefReconcileItem::SetUnitPrice(Currency p) { store("unit_price", (long long)p.scaled); }
 void RefReconcileItem::SetActualUnitPrice(Currency p) {
-  store("actual_unit_price", double(p.scaled));
+  store("actual_unit_price", (long long)p.scaled);
 }
 void RefReconcileItem::SetInStockQty(double qty) { store("in_stock_qty", qty); }
 

@@ -33,7 +33,8 @@ class RefReconcileItem : public business::ReconcileItem {
   bool deleted = false;
 
  private:
-  void store(const char* column, double value);
+  template <class T>
+  void store(const char* column, T value);
   DatabasePtr db_;
   int32_t po_id_;
 };
