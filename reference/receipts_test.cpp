@@ -3,6 +3,8 @@
 // and the rules that keep received quantities within the order.
 #include <gmock/gmock.h>
 
+#include "kxui/business/po_receipt.h"
+#include "kxui/business/progids.h"
 #include "kxui/frame/messages.h"
 #include "kxui/po/ui_po.h"
 #include "kxui/receiving/ui_rcv.h"
@@ -139,6 +141,35 @@ TEST(Receipts, RefusedReceiptsStoreNothing) {
     ASSERT_TRUE(items);
     EXPECT_EQ(column_values(*items, "ReceivedToDateQty"), (std::vector<std::string>{"0", "0"}));
   }
+}
+
+// A database constraint broken on the second line (the form's checks bypassed) rolls
+// back the receipt and the first line's received quantity alike.
+TEST(Receipts, AConstraintFailureMidReceiptLeavesNothingHalfWritten) {
+  Ordered o;
+  auto alice = o.f->session(o.f->ids.alice);
+  UIRcv ui(o.f->runtime);
+  RecordsetPtr header = ui.GetReceiptHdr(alice, o.po_id);
+  RecordsetPtr lines = ui.GetReceiptItems(alice, o.po_id, false);
+  ASSERT_TRUE(header && lines);
+  header->MoveFirst();
+  header->set_value(header->GetFields().index_of("CartonCnt"), Variant(int32_t{1}));
+  const double packing[] = {1, -1};
+  int i = 0;
+  for (lines->MoveFirst(); !lines->IsEOF(); lines->MoveNext(), ++i) {
+    (*lines)["ReceivedQty"].SetValue(Variant(1.0));
+    (*lines)["PackingSlipQty"].SetValue(Variant(packing[i]));
+  }
+  auto rcv = create_as<business::POReceipt>(*o.f->runtime, progid::POReceipt);
+  Array params = Array::of({Variant()});
+  EXPECT_EQ(rcv->SubmitReceipt(alice, header, lines, params), 0);
+  EXPECT_FALSE(rcv->Success());
+  EXPECT_EQ(rcv->GetError()->Number(), error_number(Refusal::kConstraint))
+      << rcv->GetError()->Description();
+  EXPECT_EQ(count_receipts(*o.f->db, o.po_id), 0);
+  RecordsetPtr items = ui.GetPOItemsRs(alice, o.po_id);
+  ASSERT_TRUE(items);
+  EXPECT_EQ(column_values(*items, "ReceivedToDateQty"), (std::vector<std::string>{"0", "0"}));
 }
 
 }  // namespace
