@@ -46,12 +46,35 @@ TEST(Receipts, ReceiveWithACorrection) {
   auto alice = o.f->session(o.f->ids.alice);
   UIRcv ui(o.f->runtime);
 
-  RecordsetPtr list = ui.GetReceiveListPage(alice, "", "", "", "", "", 0);
-  ASSERT_TRUE(list) << ui.Error()->Description();
-  EXPECT_EQ(column_values(*list, "POID"), std::vector<std::string>{std::to_string(o.po_id)});
+  // The list's parameters each reach their own filter.
+  struct ListCase {
+    const char *sort, *statuses, *number, *user;
+    bool listed;
+  };
+  const std::string number = "PO-" + std::to_string(o.po_id);
+  const ListCase list_cases[] = {
+      {"", "", "", "", true},           {"POID DESC", "", "", "", true},
+      {"", "5", "", "", false},         {"", "", "PO-0", "", false},
+      {"", "", number.c_str(), "", true}, {"", "", "", "bob", false},
+  };
+  for (const ListCase& c : list_cases) {
+    SCOPED_TRACE(std::string(c.sort) + "|" + c.statuses + "|" + c.number + "|" + c.user);
+    RecordsetPtr list = ui.GetReceiveListPage(alice, c.sort, c.statuses, c.number, c.user, "", 0);
+    ASSERT_TRUE(list) << ui.Error()->Description();
+    EXPECT_EQ(column_values(*list, "POID"),
+              c.listed ? std::vector<std::string>{std::to_string(o.po_id)}
+                       : std::vector<std::string>{});
+  }
+  EXPECT_FALSE(ui.GetReceiveListPage(alice, "nonsense", "", "", "", "", 0));
+
+  // The form proposes today's date, not the order's.
+  o.f->advance_minutes(24 * 60);
 
   RecordsetPtr header = ui.GetReceiptHdr(alice, o.po_id);
   ASSERT_TRUE(header) << ui.Error()->Description();
+  header->MoveFirst();
+  EXPECT_EQ((*header)["ReceiveDate"].Value(), Variant(o.f->db->now()));
+  EXPECT_EQ((*header)["DocCreateDate"].Value(), Variant(o.f->db->now()));
   RecordsetPtr lines = ui.GetReceiptItems(alice, o.po_id, false);
   ASSERT_TRUE(lines) << ui.Error()->Description();
   EXPECT_EQ(column_values(*lines, "UIDisplay_ReceivedQty"), (std::vector<std::string>{"0", "0"}));
@@ -70,6 +93,7 @@ TEST(Receipts, ReceiveWithACorrection) {
   RecordsetPtr items = ui.GetPOItemsRs(alice, o.po_id);
   ASSERT_TRUE(items) << ui.Error()->Description();
   EXPECT_EQ(column_values(*items, "ReceivedToDateQty"), (std::vector<std::string>{"3", "1"}));
+  EXPECT_EQ(column_values(*items, "LineNum"), (std::vector<std::string>{"1", "2"}));
   Variant num, borg, supplier, status;
   UIPO po(o.f->runtime);
   ASSERT_TRUE(po.GetPOHeaderInfo(alice, o.po_id, num, borg, supplier, status));
@@ -170,6 +194,34 @@ TEST(Receipts, AConstraintFailureMidReceiptLeavesNothingHalfWritten) {
   RecordsetPtr items = ui.GetPOItemsRs(alice, o.po_id);
   ASSERT_TRUE(items);
   EXPECT_EQ(column_values(*items, "ReceivedToDateQty"), (std::vector<std::string>{"0", "0"}));
+}
+
+// The business tier's own checks of a correction, for callers that skip the form's.
+TEST(Receipts, TheTierRefusesCorrectionsOnItsOwn) {
+  struct Case {
+    double received;
+    const char* comment;
+    const char* why;
+  };
+  const Case cases[] = {{-1, "returned", "takes back more than was received"},
+                        {-1, " ", "needs a comment"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    Ordered o;
+    auto alice = o.f->session(o.f->ids.alice);
+    UIRcv ui(o.f->runtime);
+    RecordsetPtr header = ui.GetReceiptHdr(alice, o.po_id);
+    RecordsetPtr lines = ui.GetReceiptItems(alice, o.po_id, false);
+    ASSERT_TRUE(header && lines);
+    lines->MoveFirst();
+    (*lines)["ReceivedQty"].SetValue(Variant(c.received));
+    (*lines)["Comments"].SetValue(Variant(std::string(c.comment)));
+    auto rcv = create_as<business::POReceipt>(*o.f->runtime, progid::POReceipt);
+    Array params = Array::of({Variant()});
+    EXPECT_EQ(rcv->SubmitReceipt(alice, header, lines, params), 0);
+    EXPECT_THAT(rcv->GetError()->Description(), HasSubstr(c.why));
+    EXPECT_EQ(count_receipts(*o.f->db, o.po_id), 0);
+  }
 }
 
 }  // namespace
