@@ -59,6 +59,13 @@ TEST(Orders, AnApprovedRequisitionsOrderIsListedAndShownWithItsLines) {
   EXPECT_EQ(supplier, Variant("Office Supplies Inc"));
   EXPECT_EQ(status, Variant("Open"));
 
+  EXPECT_EQ(column_values(*lines, "PartID"),
+            (std::vector<std::string>{std::to_string(o.f->ids.pen), std::to_string(o.f->ids.ream)}));
+  auto po = create_as<business::PurchaseOrder>(*o.f->runtime, progid::PurchaseOrder);
+  Variant cd;
+  EXPECT_FALSE(po->LoadPO(alice, o.po_id + 100, false, cd));
+  EXPECT_EQ(po->GetError()->Source(), "PurchaseOrder::LoadPO");
+  EXPECT_EQ(po->GetError()->Number(), error_number(Refusal::kNotFound));
   EXPECT_FALSE(ui.GetItemsRs(alice, o.po_id + 100));
   EXPECT_EQ(ui.Error()->Number(), error_number(Refusal::kNotFound));
 }
@@ -72,6 +79,7 @@ TEST(Orders, TheListFiltersByUserStatusAndNumber) {
   struct Case {
     const char *status_list, *po_number, *user;
     std::vector<std::string> ids;
+    const char* sort = "CreateDate DESC";
   };
   const std::string number = "po-" + mine;
   const Case cases[] = {
@@ -82,10 +90,12 @@ TEST(Orders, TheListFiltersByUserStatusAndNumber) {
       {"", "PO-999", "", {}},
       {"", "", "bob", {}},
       {"", "", "ALICE", {mine}},
+      {" 1 , 2", "", "", {mine}, "ReqID DESC"},
+      {"", "", "", {mine}, "postatusid"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.status_list) + "|" + c.po_number + "|" + c.user);
-    RecordsetPtr page = ui.GetPOListPage(alice, "CreateDate DESC", c.status_list, c.po_number,
+    RecordsetPtr page = ui.GetPOListPage(alice, c.sort, c.status_list, c.po_number,
                                          c.user, "", 0);
     ASSERT_TRUE(page) << ui.Error()->Description();
     EXPECT_EQ(column_values(*page, "POID"), c.ids);
