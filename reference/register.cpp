@@ -4,8 +4,13 @@
 
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
+#include "reference/cost_distribs.h"
+#include "reference/po_receipt.h"
+#include "reference/purchase_order.h"
+#include "reference/reconcile.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
+#include "reference/supplier_sim.h"
 #include "reference/workflow.h"
 
 namespace kxui::reference {
@@ -51,6 +56,16 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPartSearch>(rt, progid::PartSearch, db);
   add<RefCommodity>(rt, progid::Commodity, db);
   add<RefPurchaseOrder>(rt, progid::PurchaseOrder, db);
+  add<RefPOItem>(rt, progid::POItem, db);
+  add<RefPOItems>(rt, progid::POItems, db);
+  add<RefPOLog>(rt, progid::POLog, db);
+  add<RefPOStatus>(rt, progid::POStatus, db);
+  add<RefPOReceipt>(rt, progid::POReceipt, db);
+  add<RefPOCostDistribs>(rt, progid::POCostDistribs, db);
+  add<RefCursorDataAccess>(rt, progid::CursorDataAccess, db);
+  add<RefReconcileOrder>(rt, progid::ReconcileOrder, db);
+  add<RefReconcileItems>(rt, progid::ReconcileItems, db);
+  RegisterSimulatedSupplier(rt, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -72,7 +87,9 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
        {progid::Requisition, progid::Templates, progid::Workflow, progid::Diagram,
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
-        progid::PurchaseOrder, progid::Resource}) {
+        progid::PurchaseOrder, progid::Resource, progid::POItem, progid::POItems,
+        progid::POLog, progid::POStatus, progid::POReceipt, progid::CursorDataAccess,
+        progid::ReconcileOrder, progid::ReconcileItems, progid::POCostDistribs}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

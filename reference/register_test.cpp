@@ -7,7 +7,10 @@
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
 #include "kxui/business/part_search.h"
+#include "kxui/business/po_receipt.h"
+#include "kxui/business/cursor_data_access.h"
 #include "kxui/business/progids.h"
+#include "kxui/business/reconcile.h"
 #include "kxui/business/purchase_order.h"
 #include "kxui/business/requisition.h"
 #include "kxui/business/resource.h"
@@ -39,6 +42,15 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::PartSearch, [](auto& o) { return !!std::dynamic_pointer_cast<PartSearch>(o); }},
       {progid::Commodity, [](auto& o) { return !!std::dynamic_pointer_cast<Commodity>(o); }},
       {progid::PurchaseOrder, [](auto& o) { return !!std::dynamic_pointer_cast<PurchaseOrder>(o); }},
+      {progid::POItem, [](auto& o) { return !!std::dynamic_pointer_cast<POItem>(o); }},
+      {progid::POItems, [](auto& o) { return !!std::dynamic_pointer_cast<POItems>(o); }},
+      {progid::POLog, [](auto& o) { return !!std::dynamic_pointer_cast<POLog>(o); }},
+      {progid::POStatus, [](auto& o) { return !!std::dynamic_pointer_cast<POStatus>(o); }},
+      {progid::POReceipt, [](auto& o) { return !!std::dynamic_pointer_cast<POReceipt>(o); }},
+      {progid::ReconcileOrder, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileOrder>(o); }},
+      {progid::ReconcileItems, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileItems>(o); }},
+      {progid::POCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<POCostDistribs>(o); }},
+      {progid::CursorDataAccess, [](auto& o) { return !!std::dynamic_pointer_cast<CursorDataAccess>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -50,7 +62,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 17u);
+  EXPECT_EQ(ids.size(), 26u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
@@ -97,6 +109,9 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       {"CancelRequisition", [&] { req->CancelRequisition(s, 1, cd); }},
       {"DeleteRequisition", [&] { req->DeleteRequisition(s, 1, cd); }},
       {"MarkAsTemplate", [&] { req->MarkAsTemplate(s, 1, 1, cd); }},
+      {"QuickCheckLines", [&] { req->QuickCheckLines(); }},
+      {"ReqCurrencyCode", [&] { req->ReqCurrencyCode(); }},
+      {"SetQuickCheckPrice", [&] { req->SetQuickCheckPrice(0, Currency()); }},
   };
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);
@@ -107,6 +122,42 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       EXPECT_NE(failure.number(), err::kNoSuchMember);
     }
     EXPECT_NE(req->GetError()->Number(), err::kNoSuchMember);
+  }
+}
+
+// The order contract has defaults too: none of its members may answer 438.
+TEST(Register, NoPurchaseOrderMemberIsLeftUnsupported) {
+  auto f = make_fixture();
+  auto s = f->session(f->ids.alice);
+  auto po = create_as<business::PurchaseOrder>(*f->runtime, progid::PurchaseOrder);
+  auto items = create_as<business::POItems>(*f->runtime, progid::POItems);
+  Variant cd;
+  int32_t a = 0, b = 0, c = 0;
+  const std::pair<const char*, std::function<void()>> members[] = {
+      {"LoadPO", [&] { po->LoadPO(s, 1, true, cd); }},
+      {"Header", [&] { po->Header(); }},
+      {"Succeeded", [&] { po->Succeeded(); }},
+      {"GetPOItems", [&] { po->GetPOItems(s, 1, 0, cd); }},
+      {"GetPOList", [&] { po->GetPOList(s, Variant(""), Variant(""), "", Variant(""), Variant(""), cd); }},
+      {"GetPOsByReq", [&] { po->GetPOsByReq(s, 1, cd); }},
+      {"GetPOLog", [&] { po->GetPOLog(s, 1, "", cd); }},
+      {"CopyToRequisition", [&] { po->CopyToRequisition(s, 1, "n", a, b, c, cd); }},
+      {"DeletePO", [&] { po->DeletePO(s, 1, cd); }},
+      {"DeleteLines", [&] { po->DeleteLines(s, items, 1, cd); }},
+      {"GetStatusRecord", [&] { po->GetStatusRecord(s, 1, cd); }},
+      {"IsValidLock", [&] { po->IsValidLock(s, 1, cd); }},
+      {"Reset", [&] { po->Reset(s, cd); }},
+      {"SetPOStatus", [&] { po->SetPOStatus(s, 1, 2, cd); }},
+  };
+  for (const auto& [name, call] : members) {
+    SCOPED_TRACE(name);
+    po->GetError()->SetNumber(0);
+    try {
+      call();
+    } catch (const Failure& failure) {
+      EXPECT_NE(failure.number(), err::kNoSuchMember);
+    }
+    EXPECT_NE(po->GetError()->Number(), err::kNoSuchMember);
   }
 }
 

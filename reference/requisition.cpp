@@ -249,7 +249,9 @@ bool RefRequisition::Save(const SessionPtr& session, Variant&) {
       sql << "UPDATE requisitions SET justification = :j WHERE req_id = :id",
           soci::use(header_->justification), soci::use(req.req_id);
       log_req(sql, db(), req.req_id, s.SysUserID(), "Changed", "Justification");
+      store_quick_check_prices(sql, s.SysUserID());
     });
+    quick_check_prices_.clear();
     return true;
   });
 }

@@ -5,9 +5,11 @@
 // its approval route (or is approved at once when the route is empty).
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "kxui/business/requisition.h"
 #include "kxui/business/templates.h"
@@ -109,6 +111,12 @@ class RefRequisition : public business::Requisition, public RefObject {
   bool MarkAsTemplate(const SessionPtr& session, int32_t req_id, int32_t template_type,
                       Variant& custom_data) override;
 
+  // Quick check (requisition_quick_check.cpp): the loaded requisition's lines as a
+  // supplier is asked about them; prices set here are stored by Save.
+  std::vector<QuickCheckLine> QuickCheckLines() override;
+  std::string ReqCurrencyCode() override;
+  void SetQuickCheckPrice(int32_t index, Currency price) override;
+
  private:
   // The requisition a new line goes to: the item's, or a new one for the session user.
   int32_t target_requisition(soci::session& sql, const Session& session, int32_t req_id);
@@ -117,6 +125,10 @@ class RefRequisition : public business::Requisition, public RefObject {
 
   std::shared_ptr<RefHeader> header_;
   std::shared_ptr<RefLineItem> item_;
+  // Quick-check prices by line number, waiting for Save.
+  std::map<int32_t, Currency> quick_check_prices_;
+  // Stores the waiting quick-check prices (inside Save's change).
+  void store_quick_check_prices(soci::session& sql, int32_t user_id);
 };
 
 class RefTemplates : public business::Templates, public RefObject {

@@ -185,12 +185,80 @@ void insert_reference_data(soci::session& sql, Backend) {
   }
 }
 
+// Orders: their statuses, the log, the status date, the codes a supplier answers with
+// mapped to the statuses they stand for, receipts with what each line received, the
+// working copies of orders under reconciliation, cost centres and how order lines are
+// split over them, the customer names suppliers know
+// organisations by, and the simulated supplier's answers.
+const char* const kOrderTables[] = {
+    "CREATE TABLE po_statuses (po_status_id INTEGER PRIMARY KEY, name VARCHAR(50) NOT NULL)",
+    "INSERT INTO po_statuses (po_status_id, name) VALUES (1, 'Open'), (2, 'Sent'), "
+    "(3, 'Acknowledged'), (4, 'Partly received'), (5, 'Received'), (6, 'Closed'), "
+    "(7, 'Cancelled')",
+    "ALTER TABLE purchase_orders ADD COLUMN status_date VARCHAR(19)",
+    "CREATE TABLE po_log (log_id {id}, po_id INTEGER NOT NULL REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, date_logged VARCHAR(19) NOT NULL, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "log_type VARCHAR(50) NOT NULL, description VARCHAR(2000) NOT NULL, "
+    "code VARCHAR(50) NOT NULL DEFAULT '')",
+    "CREATE INDEX po_log_po ON po_log(po_id)",
+    "CREATE TABLE supplier_status_codes (status_code VARCHAR(20) PRIMARY KEY, "
+    "po_status_id INTEGER NOT NULL REFERENCES po_statuses(po_status_id))",
+    "INSERT INTO supplier_status_codes (status_code, po_status_id) VALUES ('SENT', 2), "
+    "('ACK', 3), ('PARTIAL', 4), ('SHIPPED', 4), ('DELIVERED', 5), ('CLOSED', 6), "
+    "('CANCELLED', 7)",
+    "ALTER TABLE po_lines ADD COLUMN received_qty DOUBLE PRECISION NOT NULL DEFAULT 0",
+    "CREATE TABLE receipts (receipt_id {id}, po_id INTEGER NOT NULL REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, receive_date VARCHAR(19) NOT NULL, "
+    "doc_create_date VARCHAR(19) NOT NULL, carton_cnt INTEGER NOT NULL CHECK (carton_cnt >= 0), "
+    "received_by INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "create_date VARCHAR(19) NOT NULL)",
+    "CREATE INDEX receipts_po ON receipts(po_id)",
+    "CREATE TABLE receipt_lines (receipt_id INTEGER NOT NULL REFERENCES receipts(receipt_id) "
+    "ON DELETE CASCADE, line_num INTEGER NOT NULL, received_qty DOUBLE PRECISION NOT NULL, "
+    "packing_slip_qty DOUBLE PRECISION NOT NULL CHECK (packing_slip_qty >= 0), "
+    "comments VARCHAR(2000) NOT NULL DEFAULT '', PRIMARY KEY (receipt_id, line_num))",
+    "CREATE TABLE recon_lines (po_id INTEGER NOT NULL REFERENCES purchase_orders(po_id) "
+    "ON DELETE CASCADE, line_num INTEGER NOT NULL, supplier_part_num VARCHAR(50) NOT NULL, "
+    "supplier_part_num_ext VARCHAR(50) NOT NULL DEFAULT '', uom_id VARCHAR(10) NOT NULL, "
+    "description VARCHAR(255) NOT NULL, unit_price BIGINT NOT NULL, "
+    "actual_unit_price BIGINT NOT NULL, currency_code VARCHAR(3) NOT NULL, "
+    "order_qty DOUBLE PRECISION NOT NULL, back_order_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
+    "shipped_qty DOUBLE PRECISION NOT NULL, in_stock_qty DOUBLE PRECISION NOT NULL DEFAULT 0, "
+    "deleted INTEGER NOT NULL DEFAULT 0, PRIMARY KEY (po_id, line_num))",
+    "CREATE TABLE cost_centers (cost_center_id {id}, borg_id INTEGER NOT NULL REFERENCES "
+    "borgs(borg_id), code VARCHAR(20) NOT NULL, name VARCHAR(100) NOT NULL, "
+    "UNIQUE (borg_id, code))",
+    "CREATE TABLE po_cost_distribs (po_id INTEGER NOT NULL, line_num INTEGER NOT NULL, "
+    "cost_center_id INTEGER NOT NULL REFERENCES cost_centers(cost_center_id), "
+    "percent DOUBLE PRECISION NOT NULL CHECK (percent > 0 AND percent <= 100), "
+    "PRIMARY KEY (po_id, line_num, cost_center_id), FOREIGN KEY (po_id, line_num) "
+    "REFERENCES po_lines(po_id, line_num) ON DELETE CASCADE)",
+    "CREATE TABLE borg_accounts (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "ebo_id INTEGER NOT NULL DEFAULT 0, customer_name VARCHAR(100) NOT NULL, "
+    "PRIMARY KEY (borg_id, ebo_id))",
+    "CREATE TABLE sim_part_answers (supplier_id INTEGER NOT NULL REFERENCES "
+    "suppliers(supplier_id), supplier_part_num VARCHAR(50) NOT NULL, "
+    "supplier_part_num_ext VARCHAR(50) NOT NULL DEFAULT '', unit_price BIGINT NOT NULL, "
+    "available_qty DOUBLE PRECISION NOT NULL, "
+    "PRIMARY KEY (supplier_id, supplier_part_num, supplier_part_num_ext))",
+    "CREATE TABLE sim_order_answers (po_id INTEGER PRIMARY KEY REFERENCES "
+    "purchase_orders(po_id) ON DELETE CASCADE, status_code VARCHAR(20) NOT NULL)",
+    "CREATE TABLE sim_supplier_outages (supplier_id INTEGER PRIMARY KEY REFERENCES "
+    "suppliers(supplier_id), error_code VARCHAR(20) NOT NULL, error_text VARCHAR(255) NOT NULL)",
+};
+
+void create_order_tables(soci::session& sql, Backend backend) {
+  for (const char* statement : kOrderTables) sql << ddl(statement, backend);
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
   static const std::vector<Migration> all = {
       {1, "core tables", create_core_tables},
       {2, "reference data", insert_reference_data},
+      {3, "order tables", create_order_tables},
   };
   return all;
 }

@@ -322,6 +322,29 @@ struct Seeder {
     });
   }
 
+  // The order side: customer names and cost centres per organisation, and the simulated
+  // supplier's answers (prices 5% under the catalogue, some stock, half of the orders
+  // with a status).
+  void order_side() {
+    db.write([&](soci::session& sql) {
+      sql << "INSERT INTO borg_accounts (borg_id, ebo_id, customer_name) "
+             "SELECT borg_id, 0, 'Customer ' || name FROM borgs";
+      const std::pair<const char*, const char*> centers[] = {
+          {"CC1", "Operations"}, {"CC2", "Finance"}, {"CC3", "IT"}, {"CC4", "Facilities"}};
+      for (const auto& [code, name] : centers) {
+        sql << "INSERT INTO cost_centers (borg_id, code, name) SELECT borg_id, :c, :n FROM borgs",
+            soci::use(std::string(code)), soci::use(std::string(name));
+      }
+      sql << "INSERT INTO sim_part_answers (supplier_id, supplier_part_num, "
+             "supplier_part_num_ext, unit_price, available_qty) SELECT supplier_id, "
+             "supplier_part_num, supplier_part_num_ext, unit_price - unit_price / 20, "
+             "(part_id * 7) % 50 FROM parts";
+      sql << "INSERT INTO sim_order_answers (po_id, status_code) SELECT po_id, CASE po_id % 3 "
+             "WHEN 0 THEN 'ACK' WHEN 1 THEN 'SHIPPED' ELSE 'DELIVERED' END FROM purchase_orders "
+             "WHERE po_id % 2 = 0";
+    });
+  }
+
   // The benchmark user's requisitions, written in bulk through statements prepared once.
   void bench_rows() {
     if (opt.bench_rows <= 0) return;
@@ -383,6 +406,7 @@ SeedCounts Seed(Database& db, const SeedOptions& options) {
   s.catalog();
   s.requisitions();
   s.favourites_and_news();
+  s.order_side();
   s.bench_rows();
   db.read([&](soci::session& sql) {
     sql << "SELECT COUNT(*) FROM purchase_orders", soci::into(s.counts.orders);

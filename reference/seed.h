@@ -1,7 +1,8 @@
 // A realistic data set for demonstrations and benchmarks: organisations in three locales,
 // users in approval hierarchies across time zones, a catalog in a commodity tree,
 // requisitions in every status taken there by the business objects' own rules (so
-// their routes, logs and orders are real), favourites, settings and news.
+// their routes, logs and orders are real), favourites, settings and news, cost centres
+// and the simulated supplier's answers.
 #pragma once
 
 #include <cstdint>

@@ -53,5 +53,30 @@ TEST(Seed, SmallDataSetCoversEveryStatus) {
   }
 }
 
+// The order side is seeded too: every organisation has its customer name and cost
+// centres, and the simulated supplier answers for every part.
+TEST(Seed, OrderSideAnswersForEveryPart) {
+  testing::TempDir tmp;
+  auto db = Database::Open("sqlite3://" + (tmp.path / "seed.db").string());
+  SeedOptions options;
+  options.users_per_borg = 4;
+  options.parts = 30;
+  options.requisitions_per_user = 2;
+  Seed(*db, options);
+  int accounts = 0, centers = 0, answers = 0, cheaper = 0;
+  db->read([&](soci::session& sql) {
+    sql << "SELECT COUNT(*) FROM borg_accounts", soci::into(accounts);
+    sql << "SELECT COUNT(*) FROM cost_centers", soci::into(centers);
+    sql << "SELECT COUNT(*) FROM sim_part_answers", soci::into(answers);
+    sql << "SELECT COUNT(*) FROM sim_part_answers a JOIN parts p ON p.supplier_id = "
+           "a.supplier_id AND p.supplier_part_num = a.supplier_part_num WHERE a.unit_price < "
+           "p.unit_price", soci::into(cheaper);
+  });
+  EXPECT_EQ(accounts, 3);
+  EXPECT_EQ(centers, 12);
+  EXPECT_EQ(answers, 30);
+  EXPECT_EQ(cheaper, 30);
+}
+
 }  // namespace
 }  // namespace kxui::reference

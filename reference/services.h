@@ -41,6 +41,35 @@ class RefPurchaseOrder : public business::PurchaseOrder, public RefObject {
  public:
   explicit RefPurchaseOrder(DatabasePtr db) : RefObject(std::move(db), "PurchaseOrder") {}
   bool ReleaseSessionLocks(const SessionPtr& session, Variant& custom_data) override;
+  // The members below live in purchase_order.cpp.
+  bool LoadPO(const SessionPtr& session, int32_t po_id, bool lock, Variant& custom_data) override;
+  std::shared_ptr<business::POHeader> Header() override { return header_; }
+  bool Succeeded() override { return success_; }
+  RecordsetPtr GetPOItems(const SessionPtr& session, int32_t po_id, int32_t line_number,
+                          Variant& custom_data) override;
+  RecordsetPtr GetPOList(const SessionPtr& session, const Variant& user_name,
+                         const Variant& borg_name, const std::string& po_number,
+                         const Variant& sort_by, const Variant& status_list,
+                         Variant& custom_data) override;
+  RecordsetPtr GetPOsByReq(const SessionPtr& session, int32_t req_id,
+                           Variant& custom_data) override;
+  RecordsetPtr GetPOLog(const SessionPtr& session, int32_t po_id, const std::string& filter,
+                        Variant& custom_data) override;
+  bool CopyToRequisition(const SessionPtr& session, int32_t po_id, const std::string& req_name,
+                         int32_t& new_req_id, int32_t& total_items, int32_t& items_copied,
+                         Variant& custom_data) override;
+  bool DeletePO(const SessionPtr& session, int32_t po_id, Variant& custom_data) override;
+  bool DeleteLines(const SessionPtr& session, const std::shared_ptr<business::POItems>& items,
+                   int32_t line_num, Variant& custom_data) override;
+  RecordsetPtr GetStatusRecord(const SessionPtr& session, int32_t po_id,
+                               Variant& custom_data) override;
+  bool IsValidLock(const SessionPtr& session, int32_t po_id, Variant& custom_data) override;
+  bool Reset(const SessionPtr& session, Variant& custom_data) override;
+  bool SetPOStatus(const SessionPtr& session, int32_t po_id, int32_t po_status_id,
+                   Variant& custom_data) override;
+
+ private:
+  std::shared_ptr<business::POHeader> header_;
 };
 
 // "KxUtility03.AppIni" over the settings table: (application, section, name) -> value,
