@@ -331,9 +331,10 @@ struct Seeder {
              "SELECT borg_id, 0, 'Customer ' || name FROM borgs";
       const std::pair<const char*, const char*> centers[] = {
           {"CC1", "Operations"}, {"CC2", "Finance"}, {"CC3", "IT"}, {"CC4", "Facilities"}};
-      for (const auto& [code, name] : centers) {
+      for (const auto& [code_text, name_text] : centers) {
+        const std::string code(code_text), name(name_text);  // bound: must outlive the statement
         sql << "INSERT INTO cost_centers (borg_id, code, name) SELECT borg_id, :c, :n FROM borgs",
-            soci::use(std::string(code)), soci::use(std::string(name));
+            soci::use(code), soci::use(name);
       }
       sql << "INSERT INTO sim_part_answers (supplier_id, supplier_part_num, "
              "supplier_part_num_ext, unit_price, available_qty) SELECT supplier_id, "
