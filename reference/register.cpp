@@ -4,6 +4,8 @@
 
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
+#include "reference/documents.h"
+#include "reference/reference_lists.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
 #include "reference/workflow.h"
@@ -51,6 +53,32 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefPartSearch>(rt, progid::PartSearch, db);
   add<RefCommodity>(rt, progid::Commodity, db);
   add<RefPurchaseOrder>(rt, progid::PurchaseOrder, db);
+  add<RefBillTo>(rt, progid::BillTo, db);
+  add<RefShipTo>(rt, progid::ShipTo, db);
+  add<RefBorg>(rt, progid::Borg, db);
+  add<RefCostCenter>(rt, progid::CostCenter, db);
+  add<RefCurrencyCodes>(rt, progid::CurrencyCodes, db);
+  add<RefLocale>(rt, progid::Locale, db);
+  add<RefMfr>(rt, progid::Mfr, db);
+  add<RefPaymentMethod>(rt, progid::PaymentMethod, db);
+  add<RefReceiptItemStatus>(rt, progid::ReceiptItemStatus, db);
+  add<RefShipMethod>(rt, progid::ShipMethod, db);
+  add<RefSysUser>(rt, progid::SysUser, db);
+  add<RefTimeZone>(rt, progid::TimeZone, db);
+  add<RefUOM>(rt, progid::UOM, db);
+  add<RefUserPaymentMethod>(rt, progid::UserPaymentMethod, db);
+  const std::pair<std::string_view, AttachmentOwner> attachments[] = {
+      {progid::ReqAttachment, AttachmentOwner::kReq},
+      {progid::ReqItemAttachment, AttachmentOwner::kReqItem},
+      {progid::POAttachment, AttachmentOwner::kPO},
+      {progid::POItemAttachment, AttachmentOwner::kPOItem}};
+  for (const auto& [id, owner] : attachments) {
+    rt.Register(id, [db, owner] { return std::make_shared<RefAttachment>(db, owner); });
+  }
+  add<RefReport>(rt, progid::Report, db);
+  add<RefReportParam>(rt, progid::ReportParam, db);
+  add<RefReqReport>(rt, progid::AR_Req, db);
+  add<RefPOReport>(rt, progid::AR_PO, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -72,7 +100,13 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
        {progid::Requisition, progid::Templates, progid::Workflow, progid::Diagram,
         progid::Approvals, progid::ApprovalReview, progid::ApprovalItems, progid::Approval,
         progid::BorgDelegation, progid::Utils, progid::PartSearch, progid::Commodity,
-        progid::PurchaseOrder, progid::Resource}) {
+        progid::PurchaseOrder, progid::Resource,
+        progid::BillTo, progid::ShipTo, progid::Borg, progid::CostCenter,
+        progid::CurrencyCodes, progid::Locale, progid::Mfr, progid::PaymentMethod,
+        progid::ReceiptItemStatus, progid::ShipMethod, progid::SysUser, progid::TimeZone,
+        progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
+        progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
+        progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);
