@@ -5,6 +5,7 @@
 #include "kxui/business/progids.h"
 #include "reference/catalog.h"
 #include "reference/documents.h"
+#include "reference/login.h"
 #include "reference/reference_lists.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
@@ -75,6 +76,8 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   for (const auto& [id, owner] : attachments) {
     rt.Register(id, [db, owner] { return std::make_shared<RefAttachment>(db, owner); });
   }
+  rt.Register(business::record_class::kLoginValidator,
+              [db] { return std::make_shared<RefLoginValidator>(db); });
   add<RefReport>(rt, progid::Report, db);
   add<RefReportParam>(rt, progid::ReportParam, db);
   add<RefReqReport>(rt, progid::AR_Req, db);
