@@ -3,12 +3,16 @@
 // default services.
 #include <gmock/gmock.h>
 
+#include "kxui/business/account.h"
 #include "kxui/business/approvals.h"
+#include "kxui/business/attachment.h"
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
 #include "kxui/business/part_search.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
+#include "kxui/business/reference_data.h"
+#include "kxui/business/report.h"
 #include "kxui/business/requisition.h"
 #include "kxui/business/resource.h"
 #include "kxui/business/templates.h"
@@ -39,6 +43,28 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::PartSearch, [](auto& o) { return !!std::dynamic_pointer_cast<PartSearch>(o); }},
       {progid::Commodity, [](auto& o) { return !!std::dynamic_pointer_cast<Commodity>(o); }},
       {progid::PurchaseOrder, [](auto& o) { return !!std::dynamic_pointer_cast<PurchaseOrder>(o); }},
+      {progid::BillTo, [](auto& o) { return !!std::dynamic_pointer_cast<BillTo>(o); }},
+      {progid::ShipTo, [](auto& o) { return !!std::dynamic_pointer_cast<ShipTo>(o); }},
+      {progid::Borg, [](auto& o) { return !!std::dynamic_pointer_cast<Borg>(o); }},
+      {progid::CostCenter, [](auto& o) { return !!std::dynamic_pointer_cast<CostCenter>(o); }},
+      {progid::CurrencyCodes, [](auto& o) { return !!std::dynamic_pointer_cast<CurrencyCodes>(o); }},
+      {progid::Locale, [](auto& o) { return !!std::dynamic_pointer_cast<Locale>(o); }},
+      {progid::Mfr, [](auto& o) { return !!std::dynamic_pointer_cast<Mfr>(o); }},
+      {progid::PaymentMethod, [](auto& o) { return !!std::dynamic_pointer_cast<PaymentMethod>(o); }},
+      {progid::ReceiptItemStatus, [](auto& o) { return !!std::dynamic_pointer_cast<ReceiptItemStatus>(o); }},
+      {progid::ShipMethod, [](auto& o) { return !!std::dynamic_pointer_cast<ShipMethod>(o); }},
+      {progid::SysUser, [](auto& o) { return !!std::dynamic_pointer_cast<SysUser>(o); }},
+      {progid::TimeZone, [](auto& o) { return !!std::dynamic_pointer_cast<TimeZone>(o); }},
+      {progid::UOM, [](auto& o) { return !!std::dynamic_pointer_cast<UOM>(o); }},
+      {progid::UserPaymentMethod, [](auto& o) { return !!std::dynamic_pointer_cast<UserPaymentMethod>(o); }},
+      {progid::ReqAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::ReqItemAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::POAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::POItemAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::Report, [](auto& o) { return !!std::dynamic_pointer_cast<Report>(o); }},
+      {progid::ReportParam, [](auto& o) { return !!std::dynamic_pointer_cast<ReportParam>(o); }},
+      {progid::AR_Req, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -50,7 +76,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 17u);
+  EXPECT_EQ(ids.size(), 39u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
@@ -65,6 +91,9 @@ TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   // Settings and log from the tables when asked for.
   EXPECT_TRUE(std::dynamic_pointer_cast<TableAppIni>(f->runtime->Create(progid::AppIni)));
   EXPECT_FALSE(std::dynamic_pointer_cast<TableLog>(f->runtime->Create(progid::NTLog)));
+  // The login check is created by class, not through the ClassFactory.
+  EXPECT_TRUE(create_as<business::LoginValidator>(*f->runtime,
+                                                  business::record_class::kLoginValidator));
 }
 
 // The requisition contract is the one with defaults: each member must be overridden, so
