@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "kxui/business/progids.h"
+#include "reference/cart.h"
 #include "reference/catalog.h"
 #include "reference/documents.h"
 #include "reference/login.h"
@@ -78,6 +79,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   }
   rt.Register(business::record_class::kLoginValidator,
               [db] { return std::make_shared<RefLoginValidator>(db); });
+  add<RefFavoriteItems>(rt, progid::FavoriteItems, db);
   add<RefReport>(rt, progid::Report, db);
   add<RefReportParam>(rt, progid::ReportParam, db);
   add<RefReqReport>(rt, progid::AR_Req, db);
@@ -109,7 +111,8 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::ReceiptItemStatus, progid::ShipMethod, progid::SysUser, progid::TimeZone,
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
-        progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO}) {
+        progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO,
+        progid::FavoriteItems}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -8,6 +8,7 @@
 #include "kxui/business/attachment.h"
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
+#include "kxui/business/favorite_items.h"
 #include "kxui/business/part_search.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
@@ -64,6 +65,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::Report, [](auto& o) { return !!std::dynamic_pointer_cast<Report>(o); }},
       {progid::ReportParam, [](auto& o) { return !!std::dynamic_pointer_cast<ReportParam>(o); }},
       {progid::AR_Req, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::FavoriteItems, [](auto& o) { return !!std::dynamic_pointer_cast<FavoriteItems>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -76,7 +78,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 39u);
+  EXPECT_EQ(ids.size(), 40u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
@@ -126,6 +128,11 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       {"CancelRequisition", [&] { req->CancelRequisition(s, 1, cd); }},
       {"DeleteRequisition", [&] { req->DeleteRequisition(s, 1, cd); }},
       {"MarkAsTemplate", [&] { req->MarkAsTemplate(s, 1, 1, cd); }},
+      {"GetItems", [&] { req->GetItems(s, 1, cd); }},
+      {"GetItem", [&] { req->GetItem(s, 1, 1, cd); }},
+      {"UpdateItemQty", [&] { req->UpdateItemQty(s, 1, 1, 1.0, cd); }},
+      {"DeleteItem", [&] { req->DeleteItem(s, 1, 1, cd); }},
+      {"ReleaseSessionLocks", [&] { EXPECT_TRUE(req->ReleaseSessionLocks(s, cd)); }},
   };
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);

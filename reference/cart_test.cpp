@@ -1,0 +1,114 @@
+// The requisition cart and favourites through UIReq over a fresh database file.
+#include <gmock/gmock.h>
+
+#include "kxui/business/progids.h"
+#include "kxui/business/requisition.h"
+#include "kxui/requisition/ui_req.h"
+#include "reference/errors.h"
+#include "reference/test_fixture.h"
+
+namespace kxui::reference {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::make_fixture;
+
+std::vector<std::string> column(const RecordsetPtr& rs, const char* name) {
+  std::vector<std::string> out;
+  if (!rs || rs->RecordCount() == 0) return out;
+  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) out.push_back((*rs)[name].Value().to_string());
+  return out;
+}
+
+// alice's requisition with three pens (line 1) and the favourite ream (line 2).
+int32_t two_line_requisition(testing::Fixture& f, UIReq& req) {
+  auto alice = f.session(f.ids.alice);
+  Variant req_id(int32_t{0}), line, form;
+  EXPECT_TRUE(req.AddItemFastAdd(alice, req_id, f.ids.supplier, "P-100", "", "3", "EA", line, form))
+      << req.Error()->Description();
+  EXPECT_TRUE(req.AddItemFavorite(alice, req_id, f.ids.ream, "1", line, form))
+      << req.Error()->Description();
+  return req_id.to_int32();
+}
+
+TEST(Cart, LinesAreReadChangedAndRemoved) {
+  auto f = make_fixture();
+  UIReq req(f->runtime);
+  const int32_t rid = two_line_requisition(*f, req);
+  auto alice = f->session(f->ids.alice);
+
+  RecordsetPtr items = req.GetItemsRs(alice, rid);
+  ASSERT_TRUE(items) << req.Error()->Description();
+  EXPECT_THAT(column(items, "LineNum"), ElementsAre("1", "2"));
+  EXPECT_THAT(column(items, "OrderQty"), ElementsAre("3", "1"));
+
+  ASSERT_TRUE(req.UpdateItemQty(alice, rid, 1, "2.5")) << req.Error()->Description();
+  RecordsetPtr one = req.GetItemDetails(alice, rid, 1);
+  ASSERT_TRUE(one) << req.Error()->Description();
+  EXPECT_DOUBLE_EQ((*one)["OrderQty"].Value().to_double(), 2.5);
+  EXPECT_EQ((*one)["UnitPrice"].Value().to_currency(), Currency::from_double(2.5));
+
+  ASSERT_TRUE(req.DeleteItem(alice, rid, 2)) << req.Error()->Description();
+  EXPECT_THAT(column(req.GetItemsRs(alice, rid), "LineNum"), ElementsAre("1"));
+  EXPECT_FALSE(req.GetItemDetails(alice, rid, 2));
+  EXPECT_EQ(req.Error()->Number(), error_number(Refusal::kNotFound));
+}
+
+TEST(Cart, ChangesAreRefusedByTheRequisitionRules) {
+  auto f = make_fixture();
+  UIReq req(f->runtime);
+  const int32_t rid = two_line_requisition(*f, req);
+  auto alice = f->session(f->ids.alice), other_tab = f->session(f->ids.alice, 2),
+       frank = f->session(f->ids.frank);
+  auto ref = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+  Variant cd;
+  ref->LockRequisition(other_tab, rid, cd);
+
+  struct Case {
+    const char* name;
+    std::function<bool()> change;
+    Refusal why;
+  } cases[] = {
+      {"quantity while another session holds the lock",
+       [&] { return req.UpdateItemQty(alice, rid, 1, "4"); }, Refusal::kLocked},
+      {"removal while another session holds the lock",
+       [&] { return req.DeleteItem(alice, rid, 1); }, Refusal::kLocked},
+      {"another organisation", [&] { return req.DeleteItem(frank, rid, 1); },
+       Refusal::kNotAllowed},
+      {"a line that does not exist", [&] { return req.UpdateItemQty(other_tab, rid, 9, "1"); },
+       Refusal::kNotFound},
+      {"a quantity of zero", [&] { return req.UpdateItemQty(other_tab, rid, 1, "0"); },
+       Refusal::kInvalidArgument},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_FALSE(c.change());
+    EXPECT_EQ(req.Error()->Number(), error_number(c.why));
+  }
+  EXPECT_THAT(column(req.GetItemsRs(alice, rid), "OrderQty"), ElementsAre("3", "1"))
+      << "refusals change nothing";
+
+  // Once the other session's locks are released the change goes through.
+  ASSERT_TRUE(ref->ReleaseSessionLocks(other_tab, cd));
+  EXPECT_TRUE(req.UpdateItemQty(alice, rid, 1, "4")) << req.Error()->Description();
+
+  int32_t n = 0;
+  ASSERT_TRUE(ref->SubmitRequisition(alice, rid, false, n, cd)) << ref->GetError()->Description();
+  EXPECT_FALSE(req.DeleteItem(alice, rid, 1)) << "a submitted requisition cannot be edited";
+  EXPECT_EQ(req.Error()->Number(), error_number(Refusal::kNotEditable));
+}
+
+TEST(Cart, FavouritesAreTheUsersOwn) {
+  auto f = make_fixture();
+  UIReq req(f->runtime);
+  RecordsetPtr page = req.GetFavoritesListPage(f->session(f->ids.alice), 0);
+  ASSERT_TRUE(page) << req.Error()->Description();
+  EXPECT_THAT(column(page, "PartBaseID"), ElementsAre(std::to_string(f->ids.ream)));
+  EXPECT_THAT(column(page, "CurrencyCode"), ElementsAre("USD"));
+  page = req.GetFavoritesListPage(f->session(f->ids.bob), 0);
+  ASSERT_TRUE(page) << req.Error()->Description();
+  EXPECT_TRUE(column(page, "PartBaseID").empty());
+}
+
+}  // namespace
+}  // namespace kxui::reference
