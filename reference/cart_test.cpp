@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "kxui/business/progids.h"
+#include "kxui/business/req_cost_distribs.h"
 #include "kxui/business/requisition.h"
 #include "kxui/requisition/ui_req.h"
 #include "reference/errors.h"
@@ -108,6 +109,72 @@ TEST(Cart, FavouritesAreTheUsersOwn) {
   page = req.GetFavoritesListPage(f->session(f->ids.bob), 0);
   ASSERT_TRUE(page) << req.Error()->Description();
   EXPECT_TRUE(column(page, "PartBaseID").empty());
+}
+
+TEST(Cart, CostSplitsAddUpToAHundredPercent) {
+  auto f = make_fixture();
+  UIReq req(f->runtime);
+  const int32_t rid = two_line_requisition(*f, req);
+  auto alice = f->session(f->ids.alice);
+  int32_t sales = 0, research = 0, foreign = 0;
+  f->db->write([&](soci::session& sql) {
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'S', 'Sales') "
+           "RETURNING cost_center_id", soci::use(f->ids.acme), soci::into(sales);
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'R', 'Research') "
+           "RETURNING cost_center_id", soci::use(f->ids.acme), soci::into(research);
+    sql << "INSERT INTO cost_centers (borg_id, code, name) VALUES (:b, 'V', 'Vertrieb') "
+           "RETURNING cost_center_id", soci::use(f->ids.berg), soci::into(foreign);
+  });
+  auto ids = [](std::vector<int32_t> v) {
+    std::vector<Variant> out;
+    for (int32_t i : v) out.emplace_back(i);
+    return Variant(Array::of(out));
+  };
+  auto pcts = [](std::vector<double> v) {
+    std::vector<Variant> out;
+    for (double d : v) out.emplace_back(d);
+    return Variant(Array::of(out));
+  };
+  ASSERT_TRUE(req.SaveCostDistribs(alice, rid, 1, ids({sales, research}), pcts({62.5, 37.5})))
+      << req.Error()->Description();
+  RecordsetPtr split = req.GetCostDistribsRs(alice, rid, 1);
+  ASSERT_TRUE(split) << req.Error()->Description();
+  EXPECT_THAT(column(split, "Code"), ElementsAre("R", "S"));
+  EXPECT_THAT(column(split, "Percentage"), ElementsAre("37.5", "62.5"));
+  EXPECT_TRUE(column(req.GetCostDistribsRs(alice, rid, 2), "Code").empty()) << "per line";
+
+  struct Case {
+    const char* name;
+    std::vector<int32_t> centres;
+    std::vector<double> shares;
+    int32_t error;
+  } cases[] = {
+      {"a centre twice", {sales, sales}, {50, 50}, error_number(Refusal::kInvalidArgument)},
+      {"another organisation's centre", {foreign}, {100}, error_number(Refusal::kNotFound)},
+      {"short of 100 (the façade's check)", {sales, research}, {60, 30},
+       err::kObjectErrorBase + 11671},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_FALSE(req.SaveCostDistribs(alice, rid, 1, ids(c.centres), pcts(c.shares)));
+    EXPECT_EQ(req.Error()->Number(), c.error);
+  }
+  // The tier guards the sum and the range itself, whoever calls it.
+  auto tier = create_as<business::ReqCostDistribs>(*f->runtime, progid::ReqCostDistribs);
+  Variant cd;
+  const std::vector<std::vector<business::CostDistrib>> bad = {
+      {{sales, 60}, {research, 30}}, {{sales, 60}, {research, 40.0001}},
+      {{sales, 100}, {research, 0}}, {{sales, 100.5}}};
+  for (const auto& split_values : bad) {
+    EXPECT_FALSE(tier->SaveCostDistribs(alice, rid, 1, split_values, cd));
+    EXPECT_EQ(tier->GetError()->Number(), error_number(Refusal::kInvalidArgument));
+  }
+  EXPECT_THAT(column(req.GetCostDistribsRs(alice, rid, 1), "Percentage"),
+              ElementsAre("37.5", "62.5"))
+      << "a refused split leaves the saved one";
+  ASSERT_TRUE(req.SaveCostDistribs(alice, rid, 1, ids({}), pcts({})))
+      << req.Error()->Description();
+  EXPECT_TRUE(column(req.GetCostDistribsRs(alice, rid, 1), "Code").empty());
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "kxui/business/progids.h"
 #include "reference/cart.h"
 #include "reference/catalog.h"
+#include "reference/cost_distribs.h"
 #include "reference/documents.h"
 #include "reference/login.h"
 #include "reference/reference_lists.h"
@@ -80,6 +81,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   rt.Register(business::record_class::kLoginValidator,
               [db] { return std::make_shared<RefLoginValidator>(db); });
   add<RefFavoriteItems>(rt, progid::FavoriteItems, db);
+  add<RefReqCostDistribs>(rt, progid::ReqCostDistribs, db);
   add<RefReport>(rt, progid::Report, db);
   add<RefReportParam>(rt, progid::ReportParam, db);
   add<RefReqReport>(rt, progid::AR_Req, db);
@@ -112,7 +114,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
         progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO,
-        progid::FavoriteItems}) {
+        progid::FavoriteItems, progid::ReqCostDistribs}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -12,6 +12,7 @@
 #include "kxui/business/part_search.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
+#include "kxui/business/req_cost_distribs.h"
 #include "kxui/business/reference_data.h"
 #include "kxui/business/report.h"
 #include "kxui/business/requisition.h"
@@ -66,6 +67,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::ReportParam, [](auto& o) { return !!std::dynamic_pointer_cast<ReportParam>(o); }},
       {progid::AR_Req, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
       {progid::FavoriteItems, [](auto& o) { return !!std::dynamic_pointer_cast<FavoriteItems>(o); }},
+      {progid::ReqCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<ReqCostDistribs>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -78,7 +80,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 40u);
+  EXPECT_EQ(ids.size(), 41u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

@@ -218,6 +218,15 @@ const char* const kAccountTables[] = {
     "file_size BIGINT NOT NULL, content_hex TEXT NOT NULL, date_attached VARCHAR(19) NOT NULL, "
     "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id))",
     "CREATE INDEX attachments_owner ON attachments(owner_kind, owner_id, line_num)",
+    "CREATE TABLE req_cost_distribs (req_id INTEGER NOT NULL, line_num INTEGER NOT NULL, "
+    "cost_center_id INTEGER NOT NULL REFERENCES cost_centers(cost_center_id), "
+    "percentage DOUBLE PRECISION NOT NULL CHECK (percentage > 0 AND percentage <= 100), "
+    "PRIMARY KEY (req_id, line_num, cost_center_id), FOREIGN KEY (req_id, line_num) "
+    "REFERENCES req_lines(req_id, line_num) ON DELETE CASCADE)",
+    "CREATE TABLE sessions (session_id {id}, token VARCHAR(64) NOT NULL UNIQUE, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), ebo_id INTEGER NOT NULL, "
+    "borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), created VARCHAR(19) NOT NULL, "
+    "expires VARCHAR(19) NOT NULL)",
     "CREATE TABLE reports (report_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
     "class_name VARCHAR(50) NOT NULL)",
     "CREATE TABLE report_params (report_id INTEGER NOT NULL REFERENCES reports(report_id), "
