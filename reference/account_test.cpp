@@ -5,6 +5,8 @@
 #include "kxui/attach/ui_attach.h"
 #include "kxui/common/ui_com.h"
 #include "kxui/report/ui_report.h"
+#include "kxui/session/ui_session.h"
+#include "reference/session.h"
 #include "reference/errors.h"
 #include "reference/test_fixture.h"
 #include "services/time_zones.h"
@@ -233,6 +235,59 @@ TEST(Account, StoredCardsAreUpdatedOnlyByTheirOwner) {
   }
   card = com.GetDataBySysUserIDPayMethID(alice, f->ids.alice, 2);
   EXPECT_EQ((*card)["Priority"].Value().to_int32(), 5) << "refusals change nothing";
+}
+
+TEST(Session, TheHubsSessionBeginsResumesExpiresAndEnds) {
+  auto f = make_fixture();
+  exec(*f->db, "UPDATE users SET locale_id = 1031, time_zone_id = 4, currency_code = 'EUR' "
+               "WHERE login_id = 'frank'");
+  UISession hub(f->runtime);
+  auto session = std::dynamic_pointer_cast<RefKxSession>(hub.Session());
+  ASSERT_TRUE(session) << hub.Error()->Description();
+  ASSERT_TRUE(std::dynamic_pointer_cast<RefSecurity>(hub.Security()));
+  const std::string token = session->Begin(7, f->ids.frank);
+  EXPECT_EQ(token.size(), 48u);
+
+  UISession later(f->runtime);
+  auto resumed = std::dynamic_pointer_cast<RefKxSession>(later.Session());
+  ASSERT_TRUE(resumed->Resume(token));
+  struct Value {
+    const char* name;
+    std::string got, expected;
+  } values[] = {
+      {"user", std::to_string(resumed->SysUserID()), std::to_string(f->ids.frank)},
+      {"organisation", std::to_string(resumed->BorgID()), std::to_string(f->ids.berg)},
+      {"EBO as the default value", std::to_string(resumed->Value()), "7"},
+      {"locale", std::to_string(resumed->LocaleID()), "1031"},
+      {"language", resumed->LangCode(), "de"},
+      {"country", resumed->CountryCode(), "DE"},
+      {"zone", std::to_string(resumed->TimeZoneID()), "4"},
+      {"currency", resumed->CurrencyCode(), "EUR"},
+  };
+  for (const Value& v : values) EXPECT_EQ(v.got, v.expected) << v.name;
+
+  EXPECT_FALSE(resumed->Resume("not-a-token"));
+  f->advance_minutes(RefKxSession::kLifetimeMinutes + 1);
+  EXPECT_FALSE(resumed->Resume(token)) << "expired";
+  *f->clock -= (RefKxSession::kLifetimeMinutes + 1) * 60;
+  ASSERT_TRUE(resumed->Resume(token));
+  session->End();
+  EXPECT_FALSE(resumed->Resume(token)) << "ended";
+  EXPECT_THROW(session->Begin(7, 9999), Failure);
+}
+
+TEST(Session, ChangedPasswordsAreCheckedByTheLogin) {
+  auto f = make_fixture();
+  UISession hub(f->runtime);
+  auto security = std::dynamic_pointer_cast<RefSecurity>(hub.Security());
+  ASSERT_TRUE(security);
+  EXPECT_FALSE(security->ChangePassword(f->ids.bob, "wrong", "new-pass"));
+  EXPECT_THROW(security->ChangePassword(f->ids.bob, "bob-secret", ""), Failure);
+  ASSERT_TRUE(security->ChangePassword(f->ids.bob, "bob-secret", "new-pass"));
+  auto login = std::dynamic_pointer_cast<RefLogin>(hub.Login());
+  ASSERT_TRUE(login);
+  EXPECT_EQ(login->Authenticate("bob", "bob-secret"), 0);
+  EXPECT_EQ(login->Authenticate("bob", "new-pass"), f->ids.bob);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "reference/reference_lists.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
+#include "reference/session.h"
 #include "reference/workflow.h"
 
 namespace kxui::reference {
@@ -81,6 +82,10 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   rt.Register(business::record_class::kLoginValidator,
               [db] { return std::make_shared<RefLoginValidator>(db); });
   add<RefFavoriteItems>(rt, progid::FavoriteItems, db);
+  add<RefKxSession>(rt, progid::KxSession, db);
+  rt.Register(business::security_class::kSecurity,
+              [db] { return std::make_shared<RefSecurity>(db); });
+  rt.Register(business::security_class::kLogin, [db] { return std::make_shared<RefLogin>(db); });
   add<RefReqCostDistribs>(rt, progid::ReqCostDistribs, db);
   add<RefReport>(rt, progid::Report, db);
   add<RefReportParam>(rt, progid::ReportParam, db);
@@ -114,7 +119,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
         progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO,
-        progid::FavoriteItems, progid::ReqCostDistribs}) {
+        progid::FavoriteItems, progid::ReqCostDistribs, progid::KxSession}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

@@ -9,6 +9,7 @@
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
 #include "kxui/business/favorite_items.h"
+#include "kxui/business/kx_session.h"
 #include "kxui/business/part_search.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/purchase_order.h"
@@ -68,6 +69,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::AR_Req, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
       {progid::FavoriteItems, [](auto& o) { return !!std::dynamic_pointer_cast<FavoriteItems>(o); }},
       {progid::ReqCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<ReqCostDistribs>(o); }},
+      {progid::KxSession, [](auto& o) { return !!std::dynamic_pointer_cast<KxSession>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -80,7 +82,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 41u);
+  EXPECT_EQ(ids.size(), 42u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
