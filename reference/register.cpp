@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "kxui/business/progids.h"
+#include "reference/account_records.h"
 #include "reference/cart.h"
 #include "reference/catalog.h"
 #include "reference/cost_distribs.h"
@@ -82,6 +83,15 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   rt.Register(business::record_class::kLoginValidator,
               [db] { return std::make_shared<RefLoginValidator>(db); });
   add<RefFavoriteItems>(rt, progid::FavoriteItems, db);
+  add<RefBorgUser>(rt, progid::BorgUser, db);
+  {
+    namespace rc = business::record_class;
+    rt.Register(rc::kUser, [db] { return std::make_shared<RefUserRecord>(db); });
+    rt.Register(rc::kBorgUserRecord, [db] { return std::make_shared<RefBorgUserRecord>(db); });
+    rt.Register(rc::kEbo, [db] { return std::make_shared<RefEboRecord>(db); });
+    rt.Register(rc::kBorg, [db] { return std::make_shared<RefBorgRecord>(db); });
+    rt.Register(rc::kHost, [db] { return std::make_shared<RefHostRecord>(db); });
+  }
   add<RefKxSession>(rt, progid::KxSession, db);
   rt.Register(business::security_class::kSecurity,
               [db] { return std::make_shared<RefSecurity>(db); });

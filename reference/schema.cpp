@@ -227,6 +227,17 @@ const char* const kAccountTables[] = {
     "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), ebo_id INTEGER NOT NULL, "
     "borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), created VARCHAR(19) NOT NULL, "
     "expires VARCHAR(19) NOT NULL)",
+    "CREATE TABLE borg_users (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "bill_to_id INTEGER REFERENCES bill_tos(bill_to_id), "
+    "ship_to_id INTEGER REFERENCES ship_tos(ship_to_id), "
+    "cost_center_id INTEGER REFERENCES cost_centers(cost_center_id), "
+    "spending_limit BIGINT NOT NULL DEFAULT 0, modified_by INTEGER, "
+    "PRIMARY KEY (borg_id, sys_user_id))",
+    "CREATE TABLE ebos (ebo_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
+    "locale_id INTEGER NOT NULL REFERENCES locales(locale_id), "
+    "news VARCHAR(4000) NOT NULL DEFAULT '')",
+    "CREATE TABLE hosts (host_id INTEGER PRIMARY KEY, news VARCHAR(4000) NOT NULL DEFAULT '')",
     "CREATE TABLE reports (report_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
     "class_name VARCHAR(50) NOT NULL)",
     "CREATE TABLE report_params (report_id INTEGER NOT NULL REFERENCES reports(report_id), "
@@ -236,6 +247,8 @@ const char* const kAccountTables[] = {
 
 void create_account_tables(soci::session& sql, Backend backend) {
   for (const char* statement : kAccountTables) sql << ddl(statement, backend);
+  sql << "INSERT INTO ebos (ebo_id, name, locale_id) VALUES (1, 'Default', 1033)";
+  sql << "INSERT INTO hosts (host_id) VALUES (1)";
   sql << "INSERT INTO payment_methods (payment_method_id, name) VALUES (1, 'Purchase Order'), "
          "(2, 'Credit Card'), (3, 'Procurement Card')";
   sql << "INSERT INTO receipt_item_statuses (status_id, description) VALUES (1, 'Received'), "
