@@ -290,5 +290,75 @@ TEST(Session, ChangedPasswordsAreCheckedByTheLogin) {
   EXPECT_EQ(login->Authenticate("bob", "new-pass"), f->ids.bob);
 }
 
+TEST(Account, PreferencesAreSavedAndReadBack) {
+  auto f = make_fixture();
+  add_reference_rows(*f);
+  UICom com(f->runtime);
+  auto alice = f->session(f->ids.alice);
+  auto id_of = [&](const char* query) {
+    return f->db->read([&](soci::session& sql) {
+      int id = 0;
+      sql << query, soci::into(id);
+      return id;
+    });
+  };
+  int32_t bill = id_of("SELECT bill_to_id FROM bill_tos WHERE country_code = 'US'");
+  int32_t ship = id_of("SELECT ship_to_id FROM ship_tos");
+  int32_t cc = id_of("SELECT cost_center_id FROM cost_centers WHERE code = 'CC10'");
+  int32_t zone = 4, locale = 1031;
+  ASSERT_TRUE(com.SetUserPreferences(alice, bill, ship, cc, zone, locale))
+      << com.Error()->Description();
+
+  auto rs = std::make_shared<Recordset>();
+  Variant holder{ObjectPtr(rs)};
+  ASSERT_TRUE(com.GetBorgUser(alice, holder)) << com.Error()->Description();
+  EXPECT_EQ((*rs)["BillToID"].Value().to_int32(), bill);
+  EXPECT_EQ((*rs)["ShipToID"].Value().to_int32(), ship);
+  EXPECT_EQ((*rs)["CostCenterID"].Value().to_int32(), cc);
+  int32_t stored_zone = 0;
+  ASSERT_TRUE(com.GetUserTimeZone(1, f->ids.alice, stored_zone));
+  EXPECT_EQ(stored_zone, 4);
+
+  struct Refused {
+    const char* name;
+    int32_t bill, zone, locale;
+  } refused[] = {
+      {"another organisation's bill-to",
+       id_of("SELECT bill_to_id FROM bill_tos WHERE country_code = 'DE'"), 4, 1031},
+      {"an unknown zone", bill, 999, 1031},
+      {"an unknown locale", bill, 4, 9999},
+  };
+  for (const Refused& r : refused) {
+    SCOPED_TRACE(r.name);
+    int32_t b = r.bill, z = r.zone, l = r.locale;
+    EXPECT_FALSE(com.SetUserPreferences(alice, b, ship, cc, z, l));
+  }
+  ASSERT_TRUE(com.GetUserTimeZone(1, f->ids.alice, stored_zone));
+  EXPECT_EQ(stored_zone, 4);
+}
+
+TEST(Account, HomePageRecords) {
+  auto f = make_fixture();
+  exec(*f->db, "UPDATE ebos SET locale_id = 1036, news = 'Inventaire vendredi' WHERE ebo_id = 1");
+  exec(*f->db, "UPDATE hosts SET news = 'Maintenance Sunday' WHERE host_id = 1");
+  exec(*f->db, "INSERT INTO news (borg_id, locale_name, posted, headline, body) VALUES (" +
+                   std::to_string(f->ids.acme) + ", 'en-US', '2026-01-01 00:00:00', 'Old', "
+                   "'Old news'), (" + std::to_string(f->ids.acme) +
+                   ", 'en-US', '2026-02-01 00:00:00', 'New', 'Fresh news')");
+  UICom com(f->runtime);
+  EXPECT_EQ(com.GetEBODefaultLocale(1), "fr_FR");
+  std::string news;
+  ASSERT_TRUE(com.GetEboNews(1, news));
+  EXPECT_EQ(news, "Inventaire vendredi");
+  ASSERT_TRUE(com.GetBorgNews(f->ids.acme, 1, news));
+  EXPECT_EQ(news, "Fresh news");
+  ASSERT_TRUE(com.GetBorgNews(f->ids.berg, 1, news));
+  EXPECT_EQ(news, "");
+  ASSERT_TRUE(com.GetHostNews(news));
+  EXPECT_EQ(news, "Maintenance Sunday");
+  EXPECT_EQ(com.GetEBODefaultLocale(42), "");
+  EXPECT_EQ(com.Error()->Number(), error_number(Refusal::kNotFound));
+}
+
 }  // namespace
 }  // namespace kxui::reference
