@@ -13,6 +13,7 @@
 #include "reference/requisition.h"
 #include "reference/services.h"
 #include "reference/session.h"
+#include "reference/smart_forms.h"
 #include "reference/workflow.h"
 
 namespace kxui::reference {
@@ -84,6 +85,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
               [db] { return std::make_shared<RefLoginValidator>(db); });
   add<RefFavoriteItems>(rt, progid::FavoriteItems, db);
   add<RefBorgUser>(rt, progid::BorgUser, db);
+  add<RefSFormReqItem>(rt, progid::SFormReqItem, db);
   {
     namespace rc = business::record_class;
     rt.Register(rc::kUser, [db] { return std::make_shared<RefUserRecord>(db); });
@@ -129,7 +131,8 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
         progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO,
-        progid::FavoriteItems, progid::ReqCostDistribs, progid::KxSession}) {
+        progid::FavoriteItems, progid::ReqCostDistribs, progid::KxSession,
+        progid::SFormReqItem}) {
     ids.emplace_back(id);
   }
   for (const LocaleNames& l : locale_resources(db)) ids.push_back(l.progid);

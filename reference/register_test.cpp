@@ -18,6 +18,7 @@
 #include "kxui/business/report.h"
 #include "kxui/business/requisition.h"
 #include "kxui/business/resource.h"
+#include "kxui/business/smart_form.h"
 #include "kxui/business/templates.h"
 #include "kxui/business/utils.h"
 #include "kxui/business/workflow.h"
@@ -70,6 +71,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::FavoriteItems, [](auto& o) { return !!std::dynamic_pointer_cast<FavoriteItems>(o); }},
       {progid::ReqCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<ReqCostDistribs>(o); }},
       {progid::KxSession, [](auto& o) { return !!std::dynamic_pointer_cast<KxSession>(o); }},
+      {progid::SFormReqItem, [](auto& o) { return !!std::dynamic_pointer_cast<SFormReqItem>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -82,7 +84,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 42u);
+  EXPECT_EQ(ids.size(), 43u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

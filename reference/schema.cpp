@@ -238,6 +238,16 @@ const char* const kAccountTables[] = {
     "locale_id INTEGER NOT NULL REFERENCES locales(locale_id), "
     "news VARCHAR(4000) NOT NULL DEFAULT '')",
     "CREATE TABLE hosts (host_id INTEGER PRIMARY KEY, news VARCHAR(4000) NOT NULL DEFAULT '')",
+    "CREATE TABLE smart_forms (smart_form_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL)",
+    "CREATE TABLE smart_form_fields (smart_form_id INTEGER NOT NULL "
+    "REFERENCES smart_forms(smart_form_id), seq_num INTEGER NOT NULL, "
+    "field_name VARCHAR(50) NOT NULL, label VARCHAR(100) NOT NULL, "
+    "required INTEGER NOT NULL, max_length INTEGER NOT NULL, "
+    "PRIMARY KEY (smart_form_id, seq_num), UNIQUE (smart_form_id, field_name))",
+    "CREATE TABLE smart_form_values (owner_kind INTEGER NOT NULL, owner_id INTEGER NOT NULL, "
+    "line_num INTEGER NOT NULL, smart_form_id INTEGER NOT NULL, "
+    "field_name VARCHAR(50) NOT NULL, value VARCHAR(2000) NOT NULL, "
+    "PRIMARY KEY (owner_kind, owner_id, line_num, field_name))",
     "CREATE TABLE reports (report_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
     "class_name VARCHAR(50) NOT NULL)",
     "CREATE TABLE report_params (report_id INTEGER NOT NULL REFERENCES reports(report_id), "
@@ -249,6 +259,12 @@ void create_account_tables(soci::session& sql, Backend backend) {
   for (const char* statement : kAccountTables) sql << ddl(statement, backend);
   sql << "INSERT INTO ebos (ebo_id, name, locale_id) VALUES (1, 'Default', 1033)";
   sql << "INSERT INTO hosts (host_id) VALUES (1)";
+  // Form 1 is the one special requests carry.
+  sql << "INSERT INTO smart_forms (smart_form_id, name) VALUES (1, 'Special Request')";
+  sql << "INSERT INTO smart_form_fields (smart_form_id, seq_num, field_name, label, required, "
+         "max_length) VALUES (1, 1, 'Justification', 'Why this item is needed', 1, 500), "
+         "(1, 2, 'SupplierContact', 'Supplier contact', 0, 100), "
+         "(1, 3, 'QuoteNumber', 'Quote number', 0, 30)";
   sql << "INSERT INTO payment_methods (payment_method_id, name) VALUES (1, 'Purchase Order'), "
          "(2, 'Credit Card'), (3, 'Procurement Card')";
   sql << "INSERT INTO receipt_item_statuses (status_id, description) VALUES (1, 'Received'), "
