@@ -4,6 +4,7 @@
 #include "kxui/business/progids.h"
 #include "kxui/business/req_cost_distribs.h"
 #include "kxui/business/requisition.h"
+#include "kxui/catalog/ui_sf.h"
 #include "kxui/requisition/ui_req.h"
 #include "reference/errors.h"
 #include "reference/test_fixture.h"
@@ -17,7 +18,10 @@ using testing::make_fixture;
 std::vector<std::string> column(const RecordsetPtr& rs, const char* name) {
   std::vector<std::string> out;
   if (!rs || rs->RecordCount() == 0) return out;
-  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) out.push_back((*rs)[name].Value().to_string());
+  for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) {
+    const Variant& v = (*rs)[name].Value();
+    out.push_back(v.is_null() ? "<null>" : v.to_string());
+  }
   return out;
 }
 
@@ -175,6 +179,65 @@ TEST(Cart, CostSplitsAddUpToAHundredPercent) {
   ASSERT_TRUE(req.SaveCostDistribs(alice, rid, 1, ids({}), pcts({})))
       << req.Error()->Description();
   EXPECT_TRUE(column(req.GetCostDistribsRs(alice, rid, 1), "Code").empty());
+}
+
+Variant list(std::vector<std::string> v) {
+  std::vector<Variant> out;
+  for (auto& s : v) out.emplace_back(s);
+  return Variant(Array::of(out));
+}
+
+TEST(SmartForms, SpecialRequestValuesAreCheckedAndStoredPerLine) {
+  auto f = make_fixture();
+  UIReq req(f->runtime);
+  UISF sf(f->runtime);
+  auto alice = f->session(f->ids.alice);
+  Variant req_id(int32_t{0}), line, form;
+  ASSERT_TRUE(req.AddItemSpecialRequest(alice, req_id, 0, "Local Print Shop", "BC-1", "", "2",
+                                        "EA", 0, "", f->ids.paper, "Cards",
+                                        Variant(std::string("5")), "USD", "Business cards", line,
+                                        form))
+      << req.Error()->Description();
+  const int32_t rid = req_id.to_int32(), ln = line.to_int32(), fid = form.to_int32();
+
+  RecordsetPtr fields = sf.GetDescription(alice, fid);
+  ASSERT_TRUE(fields) << sf.Error()->Description();
+  EXPECT_THAT(column(fields, "FieldName"),
+              ElementsAre("Justification", "SupplierContact", "QuoteNumber"));
+
+  ASSERT_TRUE(sf.Save(alice, rid, ln, fid, list({"QuoteNumber", "Justification"}),
+                      list({"Q-77", "Trade fair"})))
+      << sf.Error()->Description();
+  RecordsetPtr values = sf.GetValues(alice, rid, ln, fid);
+  ASSERT_TRUE(values) << sf.Error()->Description();
+  EXPECT_THAT(column(values, "Value"), ElementsAre("Trade fair", "<null>", "Q-77"));
+
+  struct Case {
+    const char* name;
+    int32_t line, form;
+    std::vector<std::string> names, values;
+  } refused[] = {
+      {"a required field left out", ln, fid, {"QuoteNumber"}, {"Q-1"}},
+      {"a required field blank", ln, fid, {"Justification"}, {""}},
+      {"a field the form lacks", ln, fid, {"Justification", "Colour"}, {"x", "red"}},
+      {"a field given twice", ln, fid, {"Justification", "Justification"}, {"a", "b"}},
+      {"too long", ln, fid, {"Justification", "QuoteNumber"}, {"x", std::string(31, 'q')}},
+      {"names and values of different counts", ln, fid, {"Justification"}, {"a", "b"}},
+      {"a line without that form", 99, fid, {"Justification"}, {"x"}},
+      {"an unknown form", ln, 42, {"Justification"}, {"x"}},
+  };
+  for (const Case& c : refused) {
+    SCOPED_TRACE(c.name);
+    EXPECT_FALSE(sf.Save(alice, rid, c.line, c.form, list(c.names), list(c.values)));
+  }
+  EXPECT_THAT(column(sf.GetValues(alice, rid, ln, fid), "Value"),
+              ElementsAre("Trade fair", "<null>", "Q-77"))
+      << "refused saves keep the stored values";
+
+  // The values given replace the line's values as a whole.
+  ASSERT_TRUE(sf.Save(alice, rid, ln, fid, list({"Justification"}), list({"Urgent"})));
+  EXPECT_THAT(column(sf.GetValues(alice, rid, ln, fid), "Value"), ElementsAre("Urgent", "<null>", "<null>"));
+  EXPECT_FALSE(sf.GetDescription(alice, 42));
 }
 
 }  // namespace
