@@ -152,6 +152,30 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
   }
 }
 
+// The late-bound organisation-user object answers every member the pages call by name,
+// and the record objects are created by class.
+TEST(Register, LateBoundAndRecordObjectsAnswer) {
+  auto f = make_fixture();
+  auto borg_user = create_as<Dispatch>(*f->runtime, progid::BorgUser);
+  for (const char* name : {"setEboID", "setBorgID", "setSysUserID", "setSysUserIDBU", "fetch",
+                           "setBillToID", "setShipToID", "setCostCenterID", "Update", "UPDATE"}) {
+    SCOPED_TRACE(name);
+    EXPECT_NE(borg_user->GetIDOfName(name), err::kNoSuchMember);
+  }
+  try {
+    borg_user->GetIDOfName("Delete");
+    ADD_FAILURE() << "an unknown member must fail";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.number(), err::kNoSuchMember);
+  }
+  namespace rc = business::record_class;
+  EXPECT_TRUE(create_as<business::UserRecord>(*f->runtime, rc::kUser));
+  EXPECT_TRUE(create_as<business::BorgUserRecord>(*f->runtime, rc::kBorgUserRecord));
+  EXPECT_TRUE(create_as<business::EboRecord>(*f->runtime, rc::kEbo));
+  EXPECT_TRUE(create_as<business::BorgRecord>(*f->runtime, rc::kBorg));
+  EXPECT_TRUE(create_as<business::HostRecord>(*f->runtime, rc::kHost));
+}
+
 TEST(Register, ReferenceDataIsWhatTheServicesKnow) {
   auto f = make_fixture();
   auto money = create_as<CurrencyFormatter>(*f->runtime, service_class::kCurrencyFormatter);
