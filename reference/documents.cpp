@@ -234,15 +234,54 @@ RecordsetPtr RefReqReport::GetReportData(const SessionPtr& session,
   });
 }
 
+namespace {
+
+struct DateRange {
+  std::string from, until;
+};
+
+// The end day counts whole: compare with its date part only.
+DateRange date_range(const std::vector<Variant>& params) {
+  const std::optional<std::string> from = date_param(params, 0);
+  if (!from) refuse(Refusal::kInvalidArgument, "The report needs a start date.");
+  const std::optional<std::string> to = date_param(params, 1);
+  return {*from, to ? to->substr(0, 10) + " 23:59:59" : "9999-12-31 23:59:59"};
+}
+
+}  // namespace
+
+RecordsetPtr RefPOByCommodityReport::GetReportData(const SessionPtr& session,
+                                                   const std::vector<Variant>& params, Variant&) {
+  return answer("GetReportData", RecordsetPtr(), [&] {
+    const int32_t borg = session_of(session).BorgID();
+    const DateRange range = date_range(params);
+    static constexpr Column kColumns[] = {{"Commodity", Kind::kText, 100},
+                                          {"CurrencyCode", Kind::kText, 3},
+                                          {"OrderCount", Kind::kInt},
+                                          {"Total", Kind::kMoney}};
+    return db().read([&](soci::session& sql) {
+      soci::rowset<soci::row> rows =
+          (sql.prepare << "SELECT COALESCE(c.name, 'Unknown'), p.currency_code, "
+                          "COUNT(DISTINCT p.po_id), CAST(SUM(ROUND(l.qty * l.unit_price)) AS "
+                          "BIGINT) FROM purchase_orders p JOIN requisitions r ON r.req_id = "
+                          "p.req_id JOIN po_lines l ON l.po_id = p.po_id LEFT JOIN parts pt ON "
+                          "pt.part_id = l.part_id LEFT JOIN commodities c ON c.commodity_id = "
+                          "pt.commodity_id WHERE r.borg_id = :b AND p.create_date >= :f AND "
+                          "p.create_date <= :t GROUP BY COALESCE(c.name, 'Unknown'), "
+                          "p.currency_code ORDER BY 1, 2",
+           soci::use(borg), soci::use(range.from), soci::use(range.until));
+      return to_recordset(rows, kColumns);
+    });
+  });
+}
+
 RecordsetPtr RefPOReport::GetReportData(const SessionPtr& session,
                                         const std::vector<Variant>& params, Variant&) {
   return answer("GetReportData", RecordsetPtr(), [&] {
     const int32_t borg = session_of(session).BorgID();
-    const std::optional<std::string> from = date_param(params, 0);
-    if (!from) refuse(Refusal::kInvalidArgument, "The report needs a start date.");
-    const std::optional<std::string> to = date_param(params, 1);
-    // The end day counts whole: compare with its date part only.
-    const std::string until = to ? to->substr(0, 10) + " 23:59:59" : "9999-12-31 23:59:59";
+    const DateRange range = date_range(params);
+    const std::string& from = range.from;
+    const std::string& until = range.until;
     static constexpr Column kColumns[] = {
         {"POID", Kind::kInt},          {"ReqID", Kind::kInt},
         {"SupplierName", Kind::kText, 100}, {"StatusID", Kind::kInt},
@@ -258,7 +297,7 @@ RecordsetPtr RefPOReport::GetReportData(const SessionPtr& session,
                           "p.create_date >= :f AND p.create_date <= :t GROUP BY p.po_id, "
                           "p.req_id, p.supplier_name, p.status_id, p.create_date, "
                           "p.currency_code ORDER BY p.po_id",
-           soci::use(borg), soci::use(*from), soci::use(until));
+           soci::use(borg), soci::use(from), soci::use(until));
       return to_recordset(rows, kColumns);
     });
   });

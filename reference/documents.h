@@ -80,4 +80,15 @@ class RefPOReport : public business::ReportData, public RefObject {
   bool Success() override { return success_; }
 };
 
+// "AR_POByCommodity": order spending of the session's organisation per commodity and
+// currency over the same date range as "AR_PO"; lines without a catalog part count under
+// "Unknown".
+class RefPOByCommodityReport : public business::ReportData, public RefObject {
+ public:
+  explicit RefPOByCommodityReport(DatabasePtr db) : RefObject(std::move(db), "AR_POByCommodity") {}
+  RecordsetPtr GetReportData(const SessionPtr& session, const std::vector<Variant>& params,
+                             Variant& custom_data) override;
+  bool Success() override { return success_; }
+};
+
 }  // namespace kxui::reference

@@ -38,8 +38,12 @@ int32_t new_order(testing::Fixture& f, int32_t req_id, const std::string& create
            "create_date, currency_code) VALUES (:r, :s, 'Office Supplies Inc', 1, :d, 'USD') "
            "RETURNING po_id",
         soci::use(req_id), soci::use(f.ids.supplier), soci::use(created), soci::into(po);
+    sql << "INSERT INTO po_lines (po_id, line_num, req_line_num, part_id, description, qty, "
+           "unit_price, currency_code) VALUES (:p, 1, 1, :part, 'Blue ballpoint pen', 4, 25000, "
+           "'USD')",
+        soci::use(po), soci::use(f.ids.pen);
     sql << "INSERT INTO po_lines (po_id, line_num, req_line_num, description, qty, unit_price, "
-           "currency_code) VALUES (:p, 1, 1, 'Blue ballpoint pen', 4, 25000, 'USD')",
+           "currency_code) VALUES (:p, 2, 2, 'Delivery', 1, 10000, 'USD')",
         soci::use(po);
     return po;
   });
@@ -127,7 +131,10 @@ TEST(Reports, CsvFilesAreMadeFromRealRows) {
   RecordsetPtr list = reports.GetReportListPage(alice, 0);
   ASSERT_TRUE(list) << reports.Error()->Description();
   EXPECT_THAT(column(list, "ReportName"),
-              ElementsAre("Purchase Orders", "Requisitions by Status"));
+              ElementsAre("Purchase Orders", "Requisitions by Status"))
+      << "the fixture's pages hold two rows";
+  EXPECT_THAT(column(reports.GetReportListPage(alice, 2), "ReportName"),
+              ElementsAre("Spending by Commodity"));
   RecordsetPtr params = reports.GetReportParamsRs(alice, 2);
   ASSERT_TRUE(params);
   EXPECT_THAT(column(params, "ParamName"), ElementsAre("FromDate", "ToDate"));
@@ -170,6 +177,13 @@ TEST(Reports, CsvFilesAreMadeFromRealRows) {
     EXPECT_EQ(has_po(early), r.has_early);
     EXPECT_EQ(has_po(late), r.has_late);
   }
+  // Spending per commodity: pens (4 at 2.50) and untyped delivery (1.00) on each order.
+  const std::string by_commodity = csv_of(alice, 3, {});
+  EXPECT_THAT(by_commodity, HasSubstr("\r\nUnknown,USD,2,2\r\n"));
+  EXPECT_THAT(by_commodity, HasSubstr("\r\nWriting,USD,2,20"));
+  EXPECT_THAT(csv_of(alice, 3, {Variant(std::string("2026-02-01"))}),
+              HasSubstr("\r\nWriting,USD,1,10"));
+
   Variant name, file;
   EXPECT_FALSE(reports.GenerateReport(alice, 42, Variant(), "csv", name, file));
   EXPECT_EQ(reports.Error()->Number(), error_number(Refusal::kNotFound));

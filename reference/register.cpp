@@ -103,6 +103,7 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefReportParam>(rt, progid::ReportParam, db);
   add<RefReqReport>(rt, progid::AR_Req, db);
   add<RefPOReport>(rt, progid::AR_PO, db);
+  add<RefPOByCommodityReport>(rt, progid::AR_POByCommodity, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -130,7 +131,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::ReceiptItemStatus, progid::ShipMethod, progid::SysUser, progid::TimeZone,
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
-        progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO,
+        progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO, progid::AR_POByCommodity,
         progid::FavoriteItems, progid::ReqCostDistribs, progid::KxSession,
         progid::SFormReqItem}) {
     ids.emplace_back(id);

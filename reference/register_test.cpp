@@ -72,6 +72,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::ReqCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<ReqCostDistribs>(o); }},
       {progid::KxSession, [](auto& o) { return !!std::dynamic_pointer_cast<KxSession>(o); }},
       {progid::SFormReqItem, [](auto& o) { return !!std::dynamic_pointer_cast<SFormReqItem>(o); }},
+      {progid::AR_POByCommodity, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
@@ -84,7 +85,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 43u);
+  EXPECT_EQ(ids.size(), 44u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);

@@ -272,10 +272,11 @@ void create_account_tables(soci::session& sql, Backend backend) {
   sql << "INSERT INTO ship_methods (supplier_id, name) VALUES (NULL, 'Ground'), "
          "(NULL, 'Next Day Air'), (NULL, 'Will Call')";
   sql << "INSERT INTO reports (report_id, name, class_name) VALUES "
-         "(1, 'Requisitions by Status', 'AR_Req'), (2, 'Purchase Orders', 'AR_PO')";
+         "(1, 'Requisitions by Status', 'AR_Req'), (2, 'Purchase Orders', 'AR_PO'), "
+         "(3, 'Spending by Commodity', 'AR_POByCommodity')";
   sql << "INSERT INTO report_params (report_id, seq_num, name, required, default_value) VALUES "
          "(1, 1, 'StatusID', 0, NULL), (2, 1, 'FromDate', 1, '2000-01-01'), "
-         "(2, 2, 'ToDate', 0, NULL)";
+         "(2, 2, 'ToDate', 0, NULL), (3, 1, 'FromDate', 1, '2000-01-01'), (3, 2, 'ToDate', 0, NULL)";
 }
 
 }  // namespace
