@@ -176,9 +176,24 @@ TEST(Cart, CostSplitsAddUpToAHundredPercent) {
   EXPECT_THAT(column(req.GetCostDistribsRs(alice, rid, 1), "Percentage"),
               ElementsAre("37.5", "62.5"))
       << "a refused split leaves the saved one";
+  EXPECT_THAT(column(req.GetCostDistribsRs(alice, rid, 1), "CostCenterID"),
+              ElementsAre(std::to_string(research), std::to_string(sales)));
   ASSERT_TRUE(req.SaveCostDistribs(alice, rid, 1, ids({}), pcts({})))
       << req.Error()->Description();
   EXPECT_TRUE(column(req.GetCostDistribsRs(alice, rid, 1), "Code").empty());
+
+  // Reading needs the line, in the reader's organisation.
+  EXPECT_FALSE(req.GetCostDistribsRs(alice, rid, 9));
+  EXPECT_EQ(req.Error()->Number(), error_number(Refusal::kNotFound));
+  EXPECT_FALSE(req.GetCostDistribsRs(f->session(f->ids.frank), rid, 1));
+  EXPECT_EQ(req.Error()->Number(), error_number(Refusal::kNotAllowed));
+
+  // A submitted requisition's split is fixed.
+  int32_t orders = 0;
+  auto requisition = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+  ASSERT_TRUE(requisition->SubmitRequisition(alice, rid, false, orders, cd));
+  EXPECT_FALSE(req.SaveCostDistribs(alice, rid, 1, ids({sales}), pcts({100})));
+  EXPECT_EQ(req.Error()->Number(), error_number(Refusal::kNotEditable));
 }
 
 Variant list(std::vector<std::string> v) {
