@@ -3,17 +3,25 @@
 // default services.
 #include <gmock/gmock.h>
 
+#include "kxui/business/account.h"
 #include "kxui/business/approvals.h"
+#include "kxui/business/attachment.h"
 #include "kxui/business/borg_delegation.h"
 #include "kxui/business/commodity.h"
+#include "kxui/business/favorite_items.h"
+#include "kxui/business/kx_session.h"
 #include "kxui/business/part_search.h"
 #include "kxui/business/po_receipt.h"
 #include "kxui/business/cursor_data_access.h"
 #include "kxui/business/progids.h"
 #include "kxui/business/reconcile.h"
 #include "kxui/business/purchase_order.h"
+#include "kxui/business/req_cost_distribs.h"
+#include "kxui/business/reference_data.h"
+#include "kxui/business/report.h"
 #include "kxui/business/requisition.h"
 #include "kxui/business/resource.h"
+#include "kxui/business/smart_form.h"
 #include "kxui/business/templates.h"
 #include "kxui/business/utils.h"
 #include "kxui/business/workflow.h"
@@ -51,6 +59,33 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::ReconcileItems, [](auto& o) { return !!std::dynamic_pointer_cast<ReconcileItems>(o); }},
       {progid::POCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<POCostDistribs>(o); }},
       {progid::CursorDataAccess, [](auto& o) { return !!std::dynamic_pointer_cast<CursorDataAccess>(o); }},
+      {progid::BillTo, [](auto& o) { return !!std::dynamic_pointer_cast<BillTo>(o); }},
+      {progid::ShipTo, [](auto& o) { return !!std::dynamic_pointer_cast<ShipTo>(o); }},
+      {progid::Borg, [](auto& o) { return !!std::dynamic_pointer_cast<Borg>(o); }},
+      {progid::CostCenter, [](auto& o) { return !!std::dynamic_pointer_cast<CostCenter>(o); }},
+      {progid::CurrencyCodes, [](auto& o) { return !!std::dynamic_pointer_cast<CurrencyCodes>(o); }},
+      {progid::Locale, [](auto& o) { return !!std::dynamic_pointer_cast<Locale>(o); }},
+      {progid::Mfr, [](auto& o) { return !!std::dynamic_pointer_cast<Mfr>(o); }},
+      {progid::PaymentMethod, [](auto& o) { return !!std::dynamic_pointer_cast<PaymentMethod>(o); }},
+      {progid::ReceiptItemStatus, [](auto& o) { return !!std::dynamic_pointer_cast<ReceiptItemStatus>(o); }},
+      {progid::ShipMethod, [](auto& o) { return !!std::dynamic_pointer_cast<ShipMethod>(o); }},
+      {progid::SysUser, [](auto& o) { return !!std::dynamic_pointer_cast<SysUser>(o); }},
+      {progid::TimeZone, [](auto& o) { return !!std::dynamic_pointer_cast<TimeZone>(o); }},
+      {progid::UOM, [](auto& o) { return !!std::dynamic_pointer_cast<UOM>(o); }},
+      {progid::UserPaymentMethod, [](auto& o) { return !!std::dynamic_pointer_cast<UserPaymentMethod>(o); }},
+      {progid::ReqAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::ReqItemAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::POAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::POItemAttachment, [](auto& o) { return !!std::dynamic_pointer_cast<Attachment>(o); }},
+      {progid::Report, [](auto& o) { return !!std::dynamic_pointer_cast<Report>(o); }},
+      {progid::ReportParam, [](auto& o) { return !!std::dynamic_pointer_cast<ReportParam>(o); }},
+      {progid::AR_Req, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::FavoriteItems, [](auto& o) { return !!std::dynamic_pointer_cast<FavoriteItems>(o); }},
+      {progid::ReqCostDistribs, [](auto& o) { return !!std::dynamic_pointer_cast<ReqCostDistribs>(o); }},
+      {progid::KxSession, [](auto& o) { return !!std::dynamic_pointer_cast<KxSession>(o); }},
+      {progid::SFormReqItem, [](auto& o) { return !!std::dynamic_pointer_cast<SFormReqItem>(o); }},
+      {progid::AR_POByCommodity, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -62,7 +97,7 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
 TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   auto f = make_fixture();
   const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 26u);
+  EXPECT_EQ(ids.size(), 53u);
   EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
   for (const std::string& id : ids) {
     SCOPED_TRACE(id);
@@ -77,6 +112,9 @@ TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
   // Settings and log from the tables when asked for.
   EXPECT_TRUE(std::dynamic_pointer_cast<TableAppIni>(f->runtime->Create(progid::AppIni)));
   EXPECT_FALSE(std::dynamic_pointer_cast<TableLog>(f->runtime->Create(progid::NTLog)));
+  // The login check is created by class, not through the ClassFactory.
+  EXPECT_TRUE(create_as<business::LoginValidator>(*f->runtime,
+                                                  business::record_class::kLoginValidator));
 }
 
 // The requisition contract is the one with defaults: each member must be overridden, so
@@ -112,6 +150,11 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       {"QuickCheckLines", [&] { req->QuickCheckLines(); }},
       {"ReqCurrencyCode", [&] { req->ReqCurrencyCode(); }},
       {"SetQuickCheckPrice", [&] { req->SetQuickCheckPrice(0, Currency()); }},
+      {"GetItems", [&] { req->GetItems(s, 1, cd); }},
+      {"GetItem", [&] { req->GetItem(s, 1, 1, cd); }},
+      {"UpdateItemQty", [&] { req->UpdateItemQty(s, 1, 1, 1.0, cd); }},
+      {"DeleteItem", [&] { req->DeleteItem(s, 1, 1, cd); }},
+      {"ReleaseSessionLocks", [&] { EXPECT_TRUE(req->ReleaseSessionLocks(s, cd)); }},
   };
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);
@@ -159,6 +202,30 @@ TEST(Register, NoPurchaseOrderMemberIsLeftUnsupported) {
     }
     EXPECT_NE(po->GetError()->Number(), err::kNoSuchMember);
   }
+}
+
+// The late-bound organisation-user object answers every member the pages call by name,
+// and the record objects are created by class.
+TEST(Register, LateBoundAndRecordObjectsAnswer) {
+  auto f = make_fixture();
+  auto borg_user = create_as<Dispatch>(*f->runtime, progid::BorgUser);
+  for (const char* name : {"setEboID", "setBorgID", "setSysUserID", "setSysUserIDBU", "fetch",
+                           "setBillToID", "setShipToID", "setCostCenterID", "Update", "UPDATE"}) {
+    SCOPED_TRACE(name);
+    EXPECT_NE(borg_user->GetIDOfName(name), err::kNoSuchMember);
+  }
+  try {
+    borg_user->GetIDOfName("Delete");
+    ADD_FAILURE() << "an unknown member must fail";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.number(), err::kNoSuchMember);
+  }
+  namespace rc = business::record_class;
+  EXPECT_TRUE(create_as<business::UserRecord>(*f->runtime, rc::kUser));
+  EXPECT_TRUE(create_as<business::BorgUserRecord>(*f->runtime, rc::kBorgUserRecord));
+  EXPECT_TRUE(create_as<business::EboRecord>(*f->runtime, rc::kEbo));
+  EXPECT_TRUE(create_as<business::BorgRecord>(*f->runtime, rc::kBorg));
+  EXPECT_TRUE(create_as<business::HostRecord>(*f->runtime, rc::kHost));
 }
 
 TEST(Register, ReferenceDataIsWhatTheServicesKnow) {

@@ -110,6 +110,17 @@ class RefRequisition : public business::Requisition, public RefObject {
   bool DeleteRequisition(const SessionPtr& session, int32_t req_id, Variant& custom_data) override;
   bool MarkAsTemplate(const SessionPtr& session, int32_t req_id, int32_t template_type,
                       Variant& custom_data) override;
+  // Cart: lines change under the same rules as the header (editable status, no other
+  // session's lock); reading is open to the requisition's organisation.
+  RecordsetPtr GetItems(const SessionPtr& session, int32_t req_id, Variant& custom_data) override;
+  RecordsetPtr GetItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                       Variant& custom_data) override;
+  bool UpdateItemQty(const SessionPtr& session, int32_t req_id, int32_t line_num, double qty,
+                     Variant& custom_data) override;
+  bool DeleteItem(const SessionPtr& session, int32_t req_id, int32_t line_num,
+                  Variant& custom_data) override;
+  // Every requisition lock of the session, whoever's page took it.
+  bool ReleaseSessionLocks(const SessionPtr& session, Variant& custom_data) override;
 
   // Quick check (requisition_quick_check.cpp): the loaded requisition's lines as a
   // supplier is asked about them; prices set here are stored by Save.

@@ -252,6 +252,104 @@ void create_order_tables(soci::session& sql, Backend backend) {
   for (const char* statement : kOrderTables) sql << ddl(statement, backend);
 }
 
+// Addresses, cost centres, payment and shipping methods, receipt-line statuses, stored
+// attachments and the report catalogue.
+const char* const kAccountTables[] = {
+    "CREATE TABLE bill_tos (bill_to_id {id}, borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "line1 VARCHAR(100) NOT NULL DEFAULT '', line2 VARCHAR(100) NOT NULL DEFAULT '', "
+    "line3 VARCHAR(100) NOT NULL DEFAULT '', city VARCHAR(50) NOT NULL DEFAULT '', "
+    "state VARCHAR(50) NOT NULL DEFAULT '', postal_code VARCHAR(20) NOT NULL DEFAULT '', "
+    "country_code VARCHAR(3) NOT NULL DEFAULT '', contact_name VARCHAR(35) NOT NULL DEFAULT '', "
+    "telephone VARCHAR(35) NOT NULL DEFAULT '', email VARCHAR(80) NOT NULL DEFAULT '', "
+    "fax VARCHAR(35) NOT NULL DEFAULT '', contact_location VARCHAR(35) NOT NULL DEFAULT '')",
+    "CREATE TABLE ship_tos (ship_to_id {id}, borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "line1 VARCHAR(100) NOT NULL DEFAULT '', line2 VARCHAR(100) NOT NULL DEFAULT '', "
+    "line3 VARCHAR(100) NOT NULL DEFAULT '', city VARCHAR(50) NOT NULL DEFAULT '', "
+    "state VARCHAR(50) NOT NULL DEFAULT '', postal_code VARCHAR(20) NOT NULL DEFAULT '', "
+    "country_code VARCHAR(3) NOT NULL DEFAULT '', contact_name VARCHAR(35) NOT NULL DEFAULT '', "
+    "telephone VARCHAR(35) NOT NULL DEFAULT '', email VARCHAR(80) NOT NULL DEFAULT '', "
+    "fax VARCHAR(35) NOT NULL DEFAULT '', contact_location VARCHAR(35) NOT NULL DEFAULT '', "
+    "taxable INTEGER NOT NULL DEFAULT 1)",
+    "CREATE TABLE payment_methods (payment_method_id INTEGER PRIMARY KEY, "
+    "name VARCHAR(50) NOT NULL)",
+    "CREATE TABLE supplier_payment_methods (supplier_id INTEGER NOT NULL "
+    "REFERENCES suppliers(supplier_id), payment_method_id INTEGER NOT NULL "
+    "REFERENCES payment_methods(payment_method_id), PRIMARY KEY (supplier_id, payment_method_id))",
+    "CREATE TABLE user_payment_methods (sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "payment_method_id INTEGER NOT NULL REFERENCES payment_methods(payment_method_id), "
+    "card_holder VARCHAR(100) NOT NULL DEFAULT '', card_last4 VARCHAR(4) NOT NULL DEFAULT '', "
+    "cc_expiration VARCHAR(19), priority INTEGER NOT NULL DEFAULT 1, "
+    "PRIMARY KEY (sys_user_id, payment_method_id))",
+    "CREATE TABLE ship_methods (ship_method_id {id}, supplier_id INTEGER "
+    "REFERENCES suppliers(supplier_id), name VARCHAR(50) NOT NULL)",
+    "CREATE TABLE receipt_item_statuses (status_id INTEGER PRIMARY KEY, "
+    "description VARCHAR(50) NOT NULL)",
+    "CREATE TABLE attachments (attachment_id {id}, owner_kind INTEGER NOT NULL, "
+    "owner_id INTEGER NOT NULL, line_num INTEGER NOT NULL, file_name VARCHAR(255) NOT NULL, "
+    "file_size BIGINT NOT NULL, content_hex TEXT NOT NULL, date_attached VARCHAR(19) NOT NULL, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id))",
+    "CREATE INDEX attachments_owner ON attachments(owner_kind, owner_id, line_num)",
+    "CREATE TABLE req_cost_distribs (req_id INTEGER NOT NULL, line_num INTEGER NOT NULL, "
+    "cost_center_id INTEGER NOT NULL REFERENCES cost_centers(cost_center_id), "
+    "percentage DOUBLE PRECISION NOT NULL CHECK (percentage > 0 AND percentage <= 100), "
+    "PRIMARY KEY (req_id, line_num, cost_center_id), FOREIGN KEY (req_id, line_num) "
+    "REFERENCES req_lines(req_id, line_num) ON DELETE CASCADE)",
+    "CREATE TABLE sessions (session_id {id}, token VARCHAR(64) NOT NULL UNIQUE, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), ebo_id INTEGER NOT NULL, "
+    "borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), created VARCHAR(19) NOT NULL, "
+    "expires VARCHAR(19) NOT NULL)",
+    "CREATE TABLE borg_users (borg_id INTEGER NOT NULL REFERENCES borgs(borg_id), "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), "
+    "bill_to_id INTEGER REFERENCES bill_tos(bill_to_id), "
+    "ship_to_id INTEGER REFERENCES ship_tos(ship_to_id), "
+    "cost_center_id INTEGER REFERENCES cost_centers(cost_center_id), "
+    "spending_limit BIGINT NOT NULL DEFAULT 0, modified_by INTEGER, "
+    "PRIMARY KEY (borg_id, sys_user_id))",
+    "CREATE TABLE ebos (ebo_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
+    "locale_id INTEGER NOT NULL REFERENCES locales(locale_id), "
+    "news VARCHAR(4000) NOT NULL DEFAULT '')",
+    "CREATE TABLE hosts (host_id INTEGER PRIMARY KEY, news VARCHAR(4000) NOT NULL DEFAULT '')",
+    "CREATE TABLE smart_forms (smart_form_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL)",
+    "CREATE TABLE smart_form_fields (smart_form_id INTEGER NOT NULL "
+    "REFERENCES smart_forms(smart_form_id), seq_num INTEGER NOT NULL, "
+    "field_name VARCHAR(50) NOT NULL, label VARCHAR(100) NOT NULL, "
+    "required INTEGER NOT NULL, max_length INTEGER NOT NULL, "
+    "PRIMARY KEY (smart_form_id, seq_num), UNIQUE (smart_form_id, field_name))",
+    "CREATE TABLE smart_form_values (owner_kind INTEGER NOT NULL, owner_id INTEGER NOT NULL, "
+    "line_num INTEGER NOT NULL, smart_form_id INTEGER NOT NULL, "
+    "field_name VARCHAR(50) NOT NULL, value VARCHAR(2000) NOT NULL, "
+    "PRIMARY KEY (owner_kind, owner_id, line_num, field_name))",
+    "CREATE TABLE reports (report_id INTEGER PRIMARY KEY, name VARCHAR(100) NOT NULL, "
+    "class_name VARCHAR(50) NOT NULL)",
+    "CREATE TABLE report_params (report_id INTEGER NOT NULL REFERENCES reports(report_id), "
+    "seq_num INTEGER NOT NULL, name VARCHAR(50) NOT NULL, required INTEGER NOT NULL, "
+    "default_value VARCHAR(100), PRIMARY KEY (report_id, seq_num))",
+};
+
+void create_account_tables(soci::session& sql, Backend backend) {
+  for (const char* statement : kAccountTables) sql << ddl(statement, backend);
+  sql << "INSERT INTO ebos (ebo_id, name, locale_id) VALUES (1, 'Default', 1033)";
+  sql << "INSERT INTO hosts (host_id) VALUES (1)";
+  // Form 1 is the one special requests carry.
+  sql << "INSERT INTO smart_forms (smart_form_id, name) VALUES (1, 'Special Request')";
+  sql << "INSERT INTO smart_form_fields (smart_form_id, seq_num, field_name, label, required, "
+         "max_length) VALUES (1, 1, 'Justification', 'Why this item is needed', 1, 500), "
+         "(1, 2, 'SupplierContact', 'Supplier contact', 0, 100), "
+         "(1, 3, 'QuoteNumber', 'Quote number', 0, 30)";
+  sql << "INSERT INTO payment_methods (payment_method_id, name) VALUES (1, 'Purchase Order'), "
+         "(2, 'Credit Card'), (3, 'Procurement Card')";
+  sql << "INSERT INTO receipt_item_statuses (status_id, description) VALUES (1, 'Received'), "
+         "(2, 'Partially Received'), (3, 'Rejected'), (4, 'Returned')";
+  sql << "INSERT INTO ship_methods (supplier_id, name) VALUES (NULL, 'Ground'), "
+         "(NULL, 'Next Day Air'), (NULL, 'Will Call')";
+  sql << "INSERT INTO reports (report_id, name, class_name) VALUES "
+         "(1, 'Requisitions by Status', 'AR_Req'), (2, 'Purchase Orders', 'AR_PO'), "
+         "(3, 'Spending by Commodity', 'AR_POByCommodity')";
+  sql << "INSERT INTO report_params (report_id, seq_num, name, required, default_value) VALUES "
+         "(1, 1, 'StatusID', 0, NULL), (2, 1, 'FromDate', 1, '2000-01-01'), "
+         "(2, 2, 'ToDate', 0, NULL), (3, 1, 'FromDate', 1, '2000-01-01'), (3, 2, 'ToDate', 0, NULL)";
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -259,6 +357,7 @@ const std::vector<Migration>& migrations() {
       {1, "core tables", create_core_tables},
       {2, "reference data", insert_reference_data},
       {3, "order tables", create_order_tables},
+      {4, "addresses, methods, attachments, reports", create_account_tables},
   };
   return all;
 }
