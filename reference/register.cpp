@@ -93,8 +93,10 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
       {progid::ReqItemAttachment, AttachmentOwner::kReqItem},
       {progid::POAttachment, AttachmentOwner::kPO},
       {progid::POItemAttachment, AttachmentOwner::kPOItem}};
-  for (const auto& [id, owner] : attachments) {
-    rt.Register(id, [db, owner] { return std::make_shared<RefAttachment>(db, owner); });
+  // No structured binding here: clang 14 cannot capture one in a lambda.
+  for (const auto& entry : attachments) {
+    const AttachmentOwner owner = entry.second;
+    rt.Register(entry.first, [db, owner] { return std::make_shared<RefAttachment>(db, owner); });
   }
   rt.Register(business::record_class::kLoginValidator,
               [db] { return std::make_shared<RefLoginValidator>(db); });
