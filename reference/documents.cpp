@@ -1,6 +1,7 @@
 #include "reference/documents.h"
 
 #include "reference/errors.h"
+#include "reference/report_sources.h"
 #include "reference/rows.h"
 
 namespace kxui::reference {
@@ -192,18 +193,6 @@ RecordsetPtr RefReportParam::GetReportParams(const SessionPtr& session, int32_t 
   });
 }
 
-namespace {
-
-// A parameter given as a date or as text; blank when Empty, Null or "".
-std::optional<std::string> date_param(const std::vector<Variant>& params, size_t i) {
-  if (i >= params.size()) return std::nullopt;
-  const Variant& v = params[i];
-  if (v.is_null() || v.is_empty() || v.is_missing()) return std::nullopt;
-  if (v.is_string() && v.get_string().empty()) return std::nullopt;
-  return date_text(v.to_date());
-}
-
-}  // namespace
 
 RecordsetPtr RefReqReport::GetReportData(const SessionPtr& session,
                                          const std::vector<Variant>& params, Variant&) {
@@ -234,27 +223,12 @@ RecordsetPtr RefReqReport::GetReportData(const SessionPtr& session,
   });
 }
 
-namespace {
-
-struct DateRange {
-  std::string from, until;
-};
-
-// The end day counts whole: compare with its date part only.
-DateRange date_range(const std::vector<Variant>& params) {
-  const std::optional<std::string> from = date_param(params, 0);
-  if (!from) refuse(Refusal::kInvalidArgument, "The report needs a start date.");
-  const std::optional<std::string> to = date_param(params, 1);
-  return {*from, to ? to->substr(0, 10) + " 23:59:59" : "9999-12-31 23:59:59"};
-}
-
-}  // namespace
 
 RecordsetPtr RefPOByCommodityReport::GetReportData(const SessionPtr& session,
                                                    const std::vector<Variant>& params, Variant&) {
   return answer("GetReportData", RecordsetPtr(), [&] {
     const int32_t borg = session_of(session).BorgID();
-    const DateRange range = date_range(params);
+    const ReportDateRange range = report_date_range(params, 0);
     static constexpr Column kColumns[] = {{"Commodity", Kind::kText, 100},
                                           {"CurrencyCode", Kind::kText, 3},
                                           {"OrderCount", Kind::kInt},
@@ -279,7 +253,7 @@ RecordsetPtr RefPOReport::GetReportData(const SessionPtr& session,
                                         const std::vector<Variant>& params, Variant&) {
   return answer("GetReportData", RecordsetPtr(), [&] {
     const int32_t borg = session_of(session).BorgID();
-    const DateRange range = date_range(params);
+    const ReportDateRange range = report_date_range(params, 0);
     const std::string& from = range.from;
     const std::string& until = range.until;
     static constexpr Column kColumns[] = {

@@ -131,11 +131,10 @@ TEST(Reports, CsvFilesAreMadeFromRealRows) {
 
   RecordsetPtr list = reports.GetReportListPage(alice, 0);
   ASSERT_TRUE(list) << reports.Error()->Description();
-  EXPECT_THAT(column(list, "ReportName"),
-              ElementsAre("Purchase Orders", "Requisitions by Status"))
+  EXPECT_THAT(column(list, "ReportName"), ElementsAre("Orders by Supplier", "Purchase Orders"))
       << "the fixture's pages hold two rows";
-  EXPECT_THAT(column(reports.GetReportListPage(alice, 2), "ReportName"),
-              ElementsAre("Spending by Commodity"));
+  EXPECT_THAT(column(reports.GetReportListPage(alice, 3), "ReportName"),
+              ElementsAre("Spending by Commodity", "User Privileges"));
   RecordsetPtr params = reports.GetReportParamsRs(alice, 2);
   ASSERT_TRUE(params);
   EXPECT_THAT(column(params, "ParamName"), ElementsAre("FromDate", "ToDate"));
@@ -191,6 +190,112 @@ TEST(Reports, CsvFilesAreMadeFromRealRows) {
   Variant name, file;
   EXPECT_FALSE(reports.GenerateReport(alice, 42, Variant(), "csv", name, file));
   EXPECT_EQ(reports.Error()->Number(), error_number(Refusal::kNotFound));
+}
+
+// Receipts, an organisation's orders per supplier, and who may do what: each report from
+// stored rows, limited to what the user's organisations may see.
+TEST(Reports, ReceiptsSuppliersAndPrivilegesPerOrganisation) {
+  auto f = make_fixture();
+  const int32_t rid = new_requisition(*f);
+  new_order(*f, rid, "2026-01-10 08:00:00");
+  const int32_t late = new_order(*f, rid, "2026-03-02 09:00:00");
+  // Four pens of the late order came on 3 March; one went back the next day.
+  f->db->write([&](soci::session& sql) {
+    sql << "INSERT INTO receipts (receipt_id, po_id, receive_date, doc_create_date, carton_cnt, "
+           "received_by, create_date) VALUES (501, :p, '2026-03-03 10:00:00', "
+           "'2026-03-03 10:00:00', 1, :u, '2026-03-03 10:00:00'), (502, :p2, "
+           "'2026-03-04 10:00:00', '2026-03-04 10:00:00', 0, :u2, '2026-03-04 10:00:00')",
+        soci::use(late), soci::use(f->ids.bob), soci::use(late), soci::use(f->ids.bob);
+    sql << "INSERT INTO receipt_lines (receipt_id, line_num, received_qty, packing_slip_qty, "
+           "comments) VALUES (501, 1, 4, 4, ''), (502, 1, -1, 0, 'Broken, sent back')";
+    sql << "UPDATE po_lines SET received_qty = 3 WHERE po_id = :p AND line_num = 1",
+        soci::use(late);
+    sql << "UPDATE delegations SET enabled = 0";
+    sql << "INSERT INTO delegations (sys_user_id, borg_id, delegatee_id, start_date, end_date, "
+           "enabled) VALUES (:b, :o, :e, '2026-03-01 00:00:00', '2026-03-31 00:00:00', 1), "
+           "(:d, :o2, :e2, '2026-04-01 00:00:00', '2026-04-30 00:00:00', 1)",
+        soci::use(f->ids.bob), soci::use(f->ids.acme), soci::use(f->ids.erin),
+        soci::use(f->ids.dave), soci::use(f->ids.acme), soci::use(f->ids.erin);
+    sql << "INSERT INTO borg_users (borg_id, sys_user_id, spending_limit) VALUES (:o, :a, "
+           "2500000)", soci::use(f->ids.acme), soci::use(f->ids.alice);
+  });
+  auto alice = f->session(f->ids.alice), frank = f->session(f->ids.frank);
+  UIReport reports(f->runtime);
+  const auto run = [&](const SessionPtr& s, int32_t report, std::vector<Variant> values,
+                       std::string* csv) {
+    Variant name, file;
+    const Variant given = values.empty() ? Variant() : Variant(Array::of(values));
+    const bool ok = reports.GenerateReport(s, report, given, "CSV", name, file);
+    if (ok) *csv = file.to_string();
+    return ok;
+  };
+  const Variant acme(f->ids.acme), berg(f->ids.berg), blank(std::string(""));
+  struct Case {
+    const char* name;
+    SessionPtr session;
+    int32_t report;
+    std::vector<Variant> values;
+    std::string csv;  // the whole file, or "" when refused
+    int32_t error = 0;
+  } const cases[] = {
+      {"receipts and their correction", alice, 4, {},
+       "ReceiptID,POID,LineNum,Description,ReceiveDate,ReceivedBy,OrderedQty,ReceivedQty,"
+       "PackingSlipQty,Comments\r\n"
+       "501," + std::to_string(late) + ",1,Blue ballpoint pen,2026-03-03 10:00:00,Bob Boss,4,4,4,"
+       "\r\n502," + std::to_string(late) + ",1,Blue ballpoint pen,2026-03-04 10:00:00,Bob Boss,"
+       "4,-1,0,\"Broken, sent back\"\r\n"},
+      {"receipts up to the first day only", alice, 4,
+       {Variant(std::string("2026-03-01")), Variant(std::string("2026-03-03"))},
+       "ReceiptID,POID,LineNum,Description,ReceiveDate,ReceivedBy,OrderedQty,ReceivedQty,"
+       "PackingSlipQty,Comments\r\n"
+       "501," + std::to_string(late) + ",1,Blue ballpoint pen,2026-03-03 10:00:00,Bob Boss,4,4,4,"
+       "\r\n"},
+      {"another organisation's receipts are not shown", frank, 4, {},
+       "ReceiptID,POID,LineNum,Description,ReceiveDate,ReceivedBy,OrderedQty,ReceivedQty,"
+       "PackingSlipQty,Comments\r\n"},
+      {"a start that is no date", alice, 4, {Variant(std::string("soon"))}, "",
+       error_number(Refusal::kInvalidArgument)},
+      {"orders per supplier of the user's organisation", alice, 5, {},
+       "BorgName,SupplierName,CurrencyCode,OrderCount,Total,ReceivedTotal\r\n"
+       "Acme,Office Supplies Inc,USD,2,22,7.5\r\n"},
+      {"the same named by number, from February", alice, 5,
+       {acme, Variant(std::string("2026-02-01"))},
+       "BorgName,SupplierName,CurrencyCode,OrderCount,Total,ReceivedTotal\r\n"
+       "Acme,Office Supplies Inc,USD,1,11,7.5\r\n"},
+      {"an organisation the user is no member of", alice, 5, {berg}, "",
+       error_number(Refusal::kNotAllowed)},
+      {"an organisation that does not exist", alice, 5, {Variant(int32_t{999})}, "",
+       error_number(Refusal::kNotFound)},
+      {"privileges, limits and the delegation in force", alice, 6, {blank},
+       "LoginID,UserName,Active,ManagerName,ApprovalLimit,SpendingLimit,CurrencyCode,"
+       "DelegateName\r\n"
+       "alice,Alice Asker,True,Bob Boss,0,250,USD,\r\n"
+       "bob,Bob Boss,True,Carol Chief,1000,0,USD,Erin Standin\r\n"
+       "carol,Carol Chief,True,,100000,0,USD,\r\n"
+       "dave,Dave Adhoc,True,Carol Chief,500,0,USD,\r\n"
+       "erin,Erin Standin,True,Bob Boss,0,0,USD,\r\n"},
+      {"another organisation's people", frank, 6, {acme}, "", error_number(Refusal::kNotAllowed)},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::string csv;
+    const bool ok = run(c.session, c.report, c.values, &csv);
+    if (c.error != 0) {
+      EXPECT_FALSE(ok);
+      EXPECT_EQ(reports.Error()->Number(), c.error) << reports.Error()->Description();
+      continue;
+    }
+    ASSERT_TRUE(ok) << reports.Error()->Description();
+    EXPECT_EQ(csv, c.csv);
+  }
+  // A member of another organisation may report on it too.
+  f->db->write([&](soci::session& sql) {
+    sql << "INSERT INTO borg_users (borg_id, sys_user_id) VALUES (:o, :a)", soci::use(f->ids.berg),
+        soci::use(f->ids.alice);
+  });
+  std::string csv;
+  ASSERT_TRUE(run(alice, 6, {berg}, &csv)) << reports.Error()->Description();
+  EXPECT_THAT(csv, HasSubstr("\r\nfrank,Frank Fremd,True,,0,0,EUR,\r\n"));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "reference/purchase_order.h"
 #include "reference/reconcile.h"
 #include "reference/reference_lists.h"
+#include "reference/report_sources.h"
 #include "reference/req_cost_distribs.h"
 #include "reference/requisition.h"
 #include "reference/services.h"
@@ -121,6 +122,9 @@ void Register(Runtime& rt, const DatabasePtr& db, const RegisterOptions& options
   add<RefReqReport>(rt, progid::AR_Req, db);
   add<RefPOReport>(rt, progid::AR_PO, db);
   add<RefPOByCommodityReport>(rt, progid::AR_POByCommodity, db);
+  add<RefPOReceiptsReport>(rt, progid::AR_POReceipts, db);
+  add<RefPOByBorgReport>(rt, progid::AR_POByBorg, db);
+  add<RefPrivByBorgReport>(rt, progid::AR_PrivByBorg, db);
   // The default resource object speaks English.
   rt.Register(progid::Resource, [db] { return std::make_shared<RefResource>(db, "en-US"); });
   for (const LocaleNames& l : locale_resources(*db)) {
@@ -151,6 +155,7 @@ std::vector<std::string> RegisteredProgIDs(Database& db) {
         progid::UOM, progid::UserPaymentMethod, progid::ReqAttachment,
         progid::ReqItemAttachment, progid::POAttachment, progid::POItemAttachment,
         progid::Report, progid::ReportParam, progid::AR_Req, progid::AR_PO, progid::AR_POByCommodity,
+        progid::AR_POReceipts, progid::AR_POByBorg, progid::AR_PrivByBorg,
         progid::FavoriteItems, progid::ReqCostDistribs, progid::KxSession,
         progid::SFormReqItem}) {
     ids.emplace_back(id);

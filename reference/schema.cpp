@@ -350,6 +350,19 @@ void create_account_tables(soci::session& sql, Backend backend) {
          "(2, 2, 'ToDate', 0, NULL), (3, 1, 'FromDate', 1, '2000-01-01'), (3, 2, 'ToDate', 0, NULL)";
 }
 
+// The reports over receipts, organisations and their people, and the index their joins
+// from orders to requisitions use.
+void add_organisation_reports(soci::session& sql, Backend) {
+  sql << "CREATE INDEX purchase_orders_req ON purchase_orders(req_id)";
+  sql << "INSERT INTO reports (report_id, name, class_name) VALUES "
+         "(4, 'Receipts', 'AR_POReceipts'), (5, 'Orders by Supplier', 'AR_POByBorg'), "
+         "(6, 'User Privileges', 'AR_PrivByBorg')";
+  sql << "INSERT INTO report_params (report_id, seq_num, name, required, default_value) VALUES "
+         "(4, 1, 'FromDate', 1, '2000-01-01'), (4, 2, 'ToDate', 0, NULL), "
+         "(5, 1, 'BorgID', 0, NULL), (5, 2, 'FromDate', 1, '2000-01-01'), "
+         "(5, 3, 'ToDate', 0, NULL), (6, 1, 'BorgID', 0, NULL)";
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -358,6 +371,7 @@ const std::vector<Migration>& migrations() {
       {2, "reference data", insert_reference_data},
       {3, "order tables", create_order_tables},
       {4, "addresses, methods, attachments, reports", create_account_tables},
+      {5, "organisation reports", add_organisation_reports},
   };
   return all;
 }
