@@ -41,7 +41,7 @@ constexpr Column kItemColumns[] = {
     {"ActualPrice", Kind::kMoney},     {"CurrencyCode", Kind::kText, 3},
     {"OrderQty", Kind::kDouble},       {"BackOrderQty", Kind::kDouble},
     {"ShippedQty", Kind::kDouble},     {"InStockQty", Kind::kDouble},
-    {"POOrderQty", Kind::kDouble},     {"POBackOrderQty", Kind::kDouble}};
+    {"POOrderQty", Kind::kDouble},     {"POBackOrderQty", Kind::kDouble}};  // ordered, not yet received
 
 }  // namespace
 
@@ -143,7 +143,8 @@ RecordsetPtr RefReconcileOrder::GetOrderItems(const SessionPtr& session, int32_t
           (sql.prepare << "SELECT r.line_num, r.supplier_part_num, r.description, r.unit_price, "
                           "CAST(ROUND(r.actual_unit_price * r.shipped_qty) AS BIGINT), "
                           "r.currency_code, r.order_qty, r.back_order_qty, r.shipped_qty, "
-                          "r.in_stock_qty, COALESCE(l.qty, 0), 0 FROM recon_lines r "
+                          "r.in_stock_qty, COALESCE(l.qty, 0), CASE WHEN l.qty > l.received_qty "
+                          "THEN l.qty - l.received_qty ELSE 0 END FROM recon_lines r "
                           "LEFT JOIN po_lines l ON l.po_id = r.po_id AND l.line_num = r.line_num "
                           "WHERE r.po_id = :p AND r.deleted = 0 AND (:n = 0 OR r.line_num = :n2) "
                           "ORDER BY r.line_num",

@@ -119,5 +119,33 @@ TEST(Reconcile, ASupplierThatDoesNotKnowAPartChangesNoPrice) {
             (std::vector<std::string>{"$2.50", "$100.00"}));
 }
 
+// What is still owed on each line of the order: ordered less received, never below nothing.
+TEST(Reconcile, BackOrderedIsWhatTheOrderStillAwaits) {
+  Reconciling r;
+  UIReconPO ui(r.f->runtime);
+  struct Case {
+    double pens_received, paper_received;
+    std::vector<std::string> back_ordered;
+  } cases[] = {
+      {0, 0, {"3", "2"}},
+      {1, 2, {"2", "0"}},
+      {3, 0.5, {"0", "1.5"}},
+      {5, 2, {"0", "0"}},  // more came than was ordered: nothing is owed
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::to_string(c.pens_received) + "/" + std::to_string(c.paper_received));
+    r.f->db->write([&](soci::session& sql) {
+      sql << "UPDATE po_lines SET received_qty = :q WHERE po_id = :p AND line_num = 1",
+          soci::use(c.pens_received), soci::use(r.po_id);
+      sql << "UPDATE po_lines SET received_qty = :q WHERE po_id = :p AND line_num = 2",
+          soci::use(c.paper_received), soci::use(r.po_id);
+    });
+    RecordsetPtr items = ui.GetItemsRs(r.alice, r.po_id);
+    ASSERT_TRUE(items) << ui.Error()->Description();
+    EXPECT_EQ(column_values(*items, "POBackOrderQty"), c.back_ordered);
+    EXPECT_EQ(column_values(*items, "POOrderQty"), (std::vector<std::string>{"3", "2"}));
+  }
+}
+
 }  // namespace
 }  // namespace kxui::reference
