@@ -5,6 +5,7 @@
 
 #include "reference/errors.h"
 #include "reference/rows.h"
+#include "reference/session.h"
 
 namespace kxui::reference {
 
@@ -64,6 +65,15 @@ std::string key_column(const char* table) {
 
 }  // namespace
 
+int32_t lock_holder(const Session& session) {
+  // The default value is the EBO, shared by every session of a user there: a session of
+  // this tier is told apart by its own row, negated so that it never meets the default
+  // value of another kind of session.
+  const auto* own = dynamic_cast<const RefKxSession*>(&session);
+  if (own && own->SessionID() != 0) return -own->SessionID();
+  return session.Value();
+}
+
 void require_not_locked_by_other(soci::session& sql, Database& db, const char* table, int32_t id,
                                  const Session& session) {
   const std::string now = date_text(db.now());
@@ -73,7 +83,7 @@ void require_not_locked_by_other(soci::session& sql, Database& db, const char* t
              key_column(table) + " = :id AND expires > :now",
       soci::use(id), soci::use(now), soci::into(user), soci::into(sess), soci::into(expires);
   if (!sql.got_data()) return;
-  if (user == session.SysUserID() && sess == session.Value()) return;
+  if (user == session.SysUserID() && sess == lock_holder(session)) return;
   refuse(Refusal::kLocked, (key_column(table) == "po_id" ? "Order " : "Requisition ") +
                                std::to_string(id) + " is being edited by " + user_name(sql, user) +
                                " until " + expires + " (UTC).");
@@ -84,7 +94,7 @@ void take_lock(soci::session& sql, Database& db, const char* table, int32_t id,
   require_not_locked_by_other(sql, db, table, id, session);
   const std::string expires = date_text(
       Date::from_seconds(db.now().seconds() + int64_t{60} * db.options().lock_minutes));
-  const int user = session.SysUserID(), sess = session.Value();
+  const int user = session.SysUserID(), sess = lock_holder(session);
   // An expired lock of another session is simply taken over.
   sql << "INSERT INTO " + std::string(table) + " (" + key_column(table) +
              ", sys_user_id, session_id, expires) VALUES (:id, :u, :s, :e) ON CONFLICT (" +
@@ -97,7 +107,7 @@ void take_lock(soci::session& sql, Database& db, const char* table, int32_t id,
 bool holds_lock(soci::session& sql, Database& db, const char* table, int32_t id,
                 const Session& session) {
   const std::string now = date_text(db.now());
-  const int user = session.SysUserID(), sess = session.Value();
+  const int user = session.SysUserID(), sess = lock_holder(session);
   int count = 0;
   sql << "SELECT COUNT(*) FROM " + std::string(table) + " WHERE " + key_column(table) +
              " = :id AND sys_user_id = :u AND session_id = :s AND expires > :now",
@@ -106,7 +116,7 @@ bool holds_lock(soci::session& sql, Database& db, const char* table, int32_t id,
 }
 
 void release_locks(soci::session& sql, const char* table, const Session& session) {
-  const int user = session.SysUserID(), sess = session.Value();
+  const int user = session.SysUserID(), sess = lock_holder(session);
   sql << "DELETE FROM " + std::string(table) + " WHERE sys_user_id = :u AND session_id = :s",
       soci::use(user), soci::use(sess);
 }

@@ -40,7 +40,11 @@ void require_editable(const ReqRow& req, const std::string& action);
 // Refuses unless the session user is the requisitioner.
 void require_requisitioner(const ReqRow& req, const Session& session, const std::string& action);
 
-// Locks are rows (req_locks / po_locks) owned by a session (user and session value)
+// Who holds a lock taken in `session`: each session of this tier apart, any other kind
+// of Session by its default value.
+int32_t lock_holder(const Session& session);
+
+// Locks are rows (req_locks / po_locks) owned by a session (user and lock_holder)
 // until they expire. Taking a lock the session holds renews it.
 void take_lock(soci::session& sql, Database& db, const char* table, int32_t id,
                const Session& session);

@@ -49,11 +49,13 @@ std::string RefKxSession::Begin(int32_t ebo_id, int32_t sys_user_id) {
     const Date now = db().now();
     const std::string created = date_text(now);
     const std::string expires = date_text(Date::from_seconds(now.seconds() + kLifetimeMinutes * 60));
-    db().write([&](soci::session& sql) {
+    session_id_ = db().write([&](soci::session& sql) {
+      int id = 0;
       sql << "INSERT INTO sessions (token, sys_user_id, ebo_id, borg_id, created, expires) "
-             "VALUES (:t, :u, :e, :b, :c, :x)",
+             "VALUES (:t, :u, :e, :b, :c, :x) RETURNING session_id",
           soci::use(token), soci::use(sys_user_id), soci::use(ebo_id), soci::use(borg_id_),
-          soci::use(created), soci::use(expires);
+          soci::use(created), soci::use(expires), soci::into(id);
+      return id;
     });
     token_ = token;
     return token;
@@ -63,14 +65,16 @@ std::string RefKxSession::Begin(int32_t ebo_id, int32_t sys_user_id) {
 bool RefKxSession::Resume(const std::string& token) {
   return answer("Resume", false, [&] {
     const std::string now = date_text(db().now());
-    int user = 0, ebo = 0;
+    int id = 0, user = 0, ebo = 0;
     const bool found = db().read([&](soci::session& sql) {
-      sql << "SELECT sys_user_id, ebo_id FROM sessions WHERE token = :t AND expires > :n",
-          soci::use(token), soci::use(now), soci::into(user), soci::into(ebo);
+      sql << "SELECT session_id, sys_user_id, ebo_id FROM sessions WHERE token = :t AND "
+             "expires > :n",
+          soci::use(token), soci::use(now), soci::into(id), soci::into(user), soci::into(ebo);
       return sql.got_data();
     });
     if (!found) return false;
     load_user(user);
+    session_id_ = id;
     ebo_id_ = ebo;
     token_ = token;
     return true;
@@ -83,6 +87,7 @@ void RefKxSession::End() {
       sql << "DELETE FROM sessions WHERE token = :t", soci::use(token_);
     });
     token_.clear();
+    session_id_ = 0;
     return 0;
   });
 }

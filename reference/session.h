@@ -24,6 +24,8 @@ class RefKxSession : public business::KxSession, public RefObject {
   // Ends the session: its token no longer resumes. Throws Failure.
   void End();
   const std::string& Token() const { return token_; }
+  // The session's own row; 0 before it began or after it ended.
+  int32_t SessionID() const { return session_id_; }
 
   int32_t Value() const override { return ebo_id_; }
   int32_t LocaleID() const override { return locale_id_; }
@@ -38,6 +40,7 @@ class RefKxSession : public business::KxSession, public RefObject {
  private:
   void load_user(int32_t sys_user_id);
   std::string token_;
+  int32_t session_id_ = 0;
   int32_t ebo_id_ = 0, locale_id_ = 1033, time_zone_id_ = 15, borg_id_ = 0, sys_user_id_ = 0;
   std::string currency_code_ = "USD", lang_code_ = "en", country_code_ = "US";
 };
