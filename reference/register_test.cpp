@@ -1,7 +1,13 @@
-// Registration: every ProgID the tier registers creates an object of its contract, no
-// member is left at the "not supported" default, and the reference data agrees with the
-// default services.
+// Registration: every name the library creates an object by is registered by the tier's
+// one registration function (or is the platform's own service), each creates an object
+// of its contract, no member is left at the "not supported" default, and the reference
+// data agrees with the default services.
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
 
 #include "kxui/business/account.h"
 #include "kxui/business/approvals.h"
@@ -86,6 +92,9 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
       {progid::SFormReqItem, [](auto& o) { return !!std::dynamic_pointer_cast<SFormReqItem>(o); }},
       {progid::AR_POByCommodity, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
       {progid::AR_PO, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::AR_POReceipts, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::AR_POByBorg, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
+      {progid::AR_PrivByBorg, [](auto& o) { return !!std::dynamic_pointer_cast<ReportData>(o); }},
   };
   for (const auto& [name, check] : contracts) {
     if (id == name) return check(obj);
@@ -94,13 +103,72 @@ bool offers_contract(const std::string& id, const ObjectPtr& obj) {
   return id.ends_with("03.Resource") && !!std::dynamic_pointer_cast<Resource>(obj);
 }
 
-TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
+// Every name under which the library creates an object, read from the headers that
+// declare them, so that a name added there and forgotten here fails this test.
+std::set<std::string> names_the_library_creates() {
+  const std::filesystem::path root = KXUI_SOURCE_DIR;
+  std::vector<std::filesystem::path> headers = {root / "kxui/frame/services.h"};
+  for (const auto& entry : std::filesystem::directory_iterator(root / "kxui/business")) {
+    if (entry.path().extension() == ".h") headers.push_back(entry.path());
+  }
+  static const std::regex kName("\"(Kx[A-Za-z0-9_]*\\.[A-Za-z0-9_]+)\"");
+  std::set<std::string> names;
+  for (const auto& header : headers) {
+    std::ifstream in(header);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    for (std::sregex_iterator it(text.begin(), text.end(), kName), end; it != end; ++it) {
+      names.insert((*it)[1]);
+    }
+  }
+  return names;
+}
+
+// The members a contract leaves at the "not supported" default, read from its source.
+std::set<std::string> defaulted_members(const char* source) {
+  std::ifstream in(std::filesystem::path(KXUI_SOURCE_DIR) / source);
+  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  static const std::regex kDefault("unsupported\\(\"([A-Za-z]+)\"\\)");
+  std::set<std::string> names;
+  for (std::sregex_iterator it(text.begin(), text.end(), kDefault), end; it != end; ++it) {
+    names.insert((*it)[1]);
+  }
+  return names;
+}
+
+TEST(Register, EveryNameTheLibraryCreatesIsRegisteredAndCreates) {
   auto f = make_fixture();
-  const std::vector<std::string> ids = RegisteredProgIDs(*f->db);
-  EXPECT_EQ(ids.size(), 53u);
-  EXPECT_THAT(ids, ::testing::Contains("KxLang_de_DE03.Resource"));
-  for (const std::string& id : ids) {
+  const std::set<std::string> names = names_the_library_creates();
+  ASSERT_GT(names.size(), 60u) << "the headers were read";
+  // Alone, the tier's registration covers all but the platform's own services.
+  Runtime tier_only, services_only;
+  Register(tier_only, f->db, {.table_settings = true, .table_log = true});
+  services::ServiceOptions so;
+  so.ini_directory = f->dir;
+  services::RegisterDefaultServices(services_only, so);
+  std::set<std::string> left_to_the_platform;
+  for (const std::string& name : names) {
+    if (!tier_only.IsRegistered(name)) left_to_the_platform.insert(name);
+  }
+  EXPECT_THAT(left_to_the_platform,
+              ::testing::ElementsAre("KxLocale03.AddressFormatter", "KxLocale03.CurrencyFormatter",
+                                     "KxLocale03.DateFormatter", "KxUtility03.KxError",
+                                     "KxUtility03.UserGUID"));
+  for (const std::string& name : left_to_the_platform) {
+    EXPECT_TRUE(services_only.IsRegistered(name)) << name;
+  }
+  // The tier's own list names what it registers, the per-locale resources included.
+  const std::vector<std::string> listed = RegisteredProgIDs(*f->db);
+  EXPECT_EQ(listed.size(), 56u);
+  EXPECT_THAT(listed, ::testing::Contains("KxLang_de_DE03.Resource"));
+  EXPECT_THAT(listed, ::testing::Contains("KxLang_fr_FR03.Resource"));
+  for (const std::string& name : names) {
+    if (name.starts_with("KxReport03.") || name.starts_with("KxAttach03.")) {
+      EXPECT_THAT(listed, ::testing::Contains(name));
+    }
+  }
+  for (const std::string& id : listed) {
     SCOPED_TRACE(id);
+    ASSERT_TRUE(tier_only.IsRegistered(id));
     ObjectPtr first = f->runtime->Create(id), second = f->runtime->Create(id);
     ASSERT_TRUE(first);
     EXPECT_NE(first, second) << "a new object per creation";
@@ -108,6 +176,11 @@ TEST(Register, EveryProgIDCreatesItsContractAndAnswers) {
     auto source = std::dynamic_pointer_cast<ErrorSource>(first);
     ASSERT_TRUE(source);
     EXPECT_TRUE(source->GetError());
+  }
+  // Everything else the library names creates too, by ProgID or by class.
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(f->runtime->Create(name));
   }
   // Settings and log from the tables when asked for.
   EXPECT_TRUE(std::dynamic_pointer_cast<TableAppIni>(f->runtime->Create(progid::AppIni)));
@@ -156,6 +229,10 @@ TEST(Register, NoRequisitionMemberIsLeftUnsupported) {
       {"DeleteItem", [&] { req->DeleteItem(s, 1, 1, cd); }},
       {"ReleaseSessionLocks", [&] { EXPECT_TRUE(req->ReleaseSessionLocks(s, cd)); }},
   };
+  std::set<std::string> tried;
+  for (const auto& member : members) tried.insert(member.first);
+  EXPECT_EQ(tried, defaulted_members("kxui/business/requisition.cpp"))
+      << "every member with a default is tried";
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);
     req->GetError()->SetNumber(0);
@@ -192,6 +269,10 @@ TEST(Register, NoPurchaseOrderMemberIsLeftUnsupported) {
       {"Reset", [&] { po->Reset(s, cd); }},
       {"SetPOStatus", [&] { po->SetPOStatus(s, 1, 2, cd); }},
   };
+  std::set<std::string> tried;
+  for (const auto& member : members) tried.insert(member.first);
+  EXPECT_EQ(tried, defaulted_members("kxui/business/purchase_order.cpp"))
+      << "every member with a default is tried";
   for (const auto& [name, call] : members) {
     SCOPED_TRACE(name);
     po->GetError()->SetNumber(0);
