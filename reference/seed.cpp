@@ -9,6 +9,8 @@
 #include "reference/req_store.h"
 #include "reference/requisition.h"
 #include "reference/route.h"
+#include "reference/seed_parts.h"
+#include "reference/smart_forms.h"
 #include "reference/services.h"
 #include "reference/users.h"
 #include "reference/workflow.h"
@@ -54,6 +56,7 @@ struct Seeder {
   SeedCounts counts;
   std::vector<int32_t> borgs, leaves, parts, suppliers;
   std::vector<std::vector<int32_t>> staff;  // per organisation: requisitioners
+  std::vector<int32_t> heads;               // per organisation: the head
 
   int pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); }
 
@@ -107,7 +110,10 @@ struct Seeder {
           u.approval_limit = Currency::from_double(i % 4 == 0 ? 500 : 0);
         }
         const int32_t id = AddUser(db, u, HashCost::kMinimum);
-        if (i == 0) head = id;
+        if (i == 0) {
+          head = id;
+          heads.push_back(id);
+        }
         else if (i <= 3) managers.push_back(id);
         else staff[b].push_back(id);
         ++counts.users;
@@ -265,6 +271,7 @@ struct Seeder {
       }
       req_id = item->req_id;
     }
+    if (variant % 5 == 1) special_request(s, req, req_id, borg);
     db.write([&](soci::session& sql) {
       const std::string name = "Requisition " + std::to_string(req_id);
       sql << "UPDATE requisitions SET req_name = :n WHERE req_id = :r", soci::use(name),
@@ -282,10 +289,53 @@ struct Seeder {
         break;
       default:
         if (!req.SubmitRequisition(s, req_id, false, orders, cd)) raise(req);
+        // Some waiting requisitions are also shown to the organisation's head for review.
+        if (variant % 7 == 1 && variant % 2 == 1 &&
+            !wf.AddReviewer(s, req_id, head_of(borg), borg, cd)) {
+          raise(wf);
+        }
         if (variant % 7 == 2) approve(req_id, borg, 10, false);
         if (variant % 7 == 3) approve(req_id, borg, 1, true);
         if (variant % 7 == 4 && !wf.Cancel(s, req_id, cd)) raise(wf);
         if (variant % 7 == 5 && !req.CancelRequisition(s, req_id, cd)) raise(req);
+    }
+  }
+
+  int32_t head_of(int32_t borg) const {
+    for (size_t b = 0; b < borgs.size(); ++b) {
+      if (borgs[b] == borg) return heads[b];
+    }
+    return 0;
+  }
+
+  // A line from outside the catalogue, with the values of its smart form.
+  void special_request(const std::shared_ptr<BasicSession>& s, RefRequisition& req,
+                       int32_t req_id, int32_t borg) {
+    Variant cd;
+    auto item = std::static_pointer_cast<RefLineItem>(req.NewLineItem());
+    const int n = pick(1000);
+    item->req_id = req_id;
+    item->supplier_name = "Local Print Shop " + std::to_string(1 + n % 3);
+    item->supplier_part_num = "SR-" + std::to_string(n);
+    item->qty = Variant(static_cast<double>(100 * (1 + n % 5)));
+    item->uom_id = "EA";
+    item->commodity_id = leaves[static_cast<size_t>(n) % leaves.size()];
+    item->commodity_alias = "Printing";
+    item->unit_price = Currency::from_double(0.25 + (n % 20) / 10.0);
+    item->currency_code = "USD";
+    item->part_desc = "Printed business cards, design " + std::to_string(n);
+    if (!req.CommitSpecialRequestItem(s, "", cd) ||
+        !req.CompleteItem(s, item->req_id, item->line_num, cd)) {
+      raise(req);
+    }
+    RefSFormReqItem form(shared);
+    const Variant names(Array::of({Variant(std::string("Justification")),
+                                   Variant(std::string("QuoteNumber"))}));
+    const Variant values(Array::of({Variant(std::string("New staff in the office")),
+                                    Variant("Q-" + std::to_string(borg) + "-" + std::to_string(n))}));
+    if (!form.SaveReqLineValues(s, item->req_id, item->line_num, item->smart_form_id, names,
+                                values, cd)) {
+      raise(form);
     }
   }
 
@@ -322,20 +372,13 @@ struct Seeder {
     });
   }
 
-  // The order side: customer names and cost centres per organisation, and the simulated
+  // The order side: customer names per organisation, and the simulated
   // supplier's answers (prices 5% under the catalogue, some stock, half of the orders
   // with a status).
   void order_side() {
     db.write([&](soci::session& sql) {
       sql << "INSERT INTO borg_accounts (borg_id, ebo_id, customer_name) "
              "SELECT borg_id, 0, 'Customer ' || name FROM borgs";
-      const std::pair<const char*, const char*> centers[] = {
-          {"CC1", "Operations"}, {"CC2", "Finance"}, {"CC3", "IT"}, {"CC4", "Facilities"}};
-      for (const auto& [code_text, name_text] : centers) {
-        const std::string code(code_text), name(name_text);  // bound: must outlive the statement
-        sql << "INSERT INTO cost_centers (borg_id, code, name) SELECT borg_id, :c, :n FROM borgs",
-            soci::use(code), soci::use(name);
-      }
       sql << "INSERT INTO sim_part_answers (supplier_id, supplier_part_num, "
              "supplier_part_num_ext, unit_price, available_qty) SELECT supplier_id, "
              "supplier_part_num, supplier_part_num_ext, unit_price - unit_price / 20, "
@@ -401,13 +444,15 @@ SeedCounts Seed(Database& db, const SeedOptions& options) {
   if (existing > 0) refuse(Refusal::kInvalidArgument, "The database already holds data.");
   // Business objects hold their database shared; this one outlives them all.
   Seeder s{db, options, DatabasePtr(&db, [](Database*) {}), std::mt19937(options.random_seed), {},
-           {}, {}, {}, {}, {}};
+           {}, {}, {}, {}, {}, {}};
   s.reference_data();
   s.users();
   s.catalog();
+  seed_parts::Accounts(db);
   s.requisitions();
   s.favourites_and_news();
   s.order_side();
+  seed_parts::Documents(db);
   s.bench_rows();
   db.read([&](soci::session& sql) {
     sql << "SELECT COUNT(*) FROM purchase_orders", soci::into(s.counts.orders);

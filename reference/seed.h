@@ -1,13 +1,17 @@
 // A realistic data set for demonstrations and benchmarks: organisations in three locales,
 // users in approval hierarchies across time zones, a catalog in a commodity tree,
 // requisitions in every status taken there by the business objects' own rules (so
-// their routes, logs and orders are real), favourites, settings and news, cost centres
-// and the simulated supplier's answers.
+// their routes, logs and orders are real), special requests with their forms,
+// reviewers, favourites, settings and news, addresses, cost centres and splits, payment
+// and shipping methods, delegations, files, receipts with corrections and the simulated
+// supplier's answers.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "reference/database.h"
 
@@ -35,5 +39,8 @@ struct SeedCounts {
 // minimum Argon2id cost (the data is for tests and demonstrations, not for production).
 // Throws Failure when the database is not empty or a write fails.
 SeedCounts Seed(Database& db, const SeedOptions& options);
+
+// Every table of the schema with its number of rows, by name.
+std::vector<std::pair<std::string, int64_t>> TableRowCounts(Database& db);
 
 }  // namespace kxui::reference

@@ -78,5 +78,66 @@ TEST(Seed, OrderSideAnswersForEveryPart) {
   EXPECT_EQ(cheaper, 30);
 }
 
+// Every table a page reads holds rows, and the rows agree with each other: receipts add
+// up to what each order line received, splits to a hundred percent, every member has the
+// organisation's defaults and every special request the values its form requires.
+TEST(Seed, EveryTableHoldsConsistentRows) {
+  testing::TempDir tmp;
+  auto db = Database::Open("sqlite3://" + (tmp.path / "seed.db").string());
+  SeedOptions options;
+  options.users_per_borg = 6;
+  options.parts = 60;
+  options.requisitions_per_user = 7;
+  Seed(*db, options);
+  std::vector<std::string> empty;
+  for (const auto& [table, rows] : TableRowCounts(*db)) {
+    if (rows == 0) empty.push_back(table);
+  }
+  // Working state only: sessions, locks, reconciliation copies and the table log.
+  EXPECT_THAT(empty, ::testing::ElementsAre("event_log", "po_locks", "recon_lines", "req_locks",
+                                            "sessions"));
+  const auto count = [&](const std::string& query) {
+    return db->read([&](soci::session& sql) {
+      int n = -1;
+      sql << query, soci::into(n);
+      return n;
+    });
+  };
+  struct Check {
+    const char* what;
+    const char* query;  // counts what breaks the rule
+  } checks[] = {
+      {"receipts add up to the received quantity",
+       "SELECT COUNT(*) FROM po_lines l WHERE ABS(l.received_qty - COALESCE((SELECT "
+       "SUM(rl.received_qty) FROM receipt_lines rl JOIN receipts r ON r.receipt_id = "
+       "rl.receipt_id WHERE r.po_id = l.po_id AND rl.line_num = l.line_num), 0)) > 0.00001"},
+      {"received orders are received in full",
+       "SELECT COUNT(*) FROM purchase_orders o WHERE o.status_id = 5 AND EXISTS (SELECT 1 FROM "
+       "po_lines l WHERE l.po_id = o.po_id AND l.received_qty < l.qty)"},
+      {"requisition splits make a hundred percent",
+       "SELECT COUNT(*) FROM (SELECT req_id, line_num FROM req_cost_distribs GROUP BY req_id, "
+       "line_num HAVING ABS(SUM(percentage) - 100) > 0.0001) t"},
+      {"every user is a member with defaults",
+       "SELECT COUNT(*) FROM users u LEFT JOIN borg_users b ON b.sys_user_id = u.sys_user_id "
+       "AND b.borg_id = u.borg_id WHERE b.bill_to_id IS NULL OR b.ship_to_id IS NULL OR "
+       "b.cost_center_id IS NULL"},
+      {"special requests carry their form's required value",
+       "SELECT COUNT(*) FROM req_lines l WHERE l.is_special = 1 AND NOT EXISTS (SELECT 1 FROM "
+       "smart_form_values v WHERE v.owner_kind = 1 AND v.owner_id = l.req_id AND v.line_num = "
+       "l.line_num AND v.field_name = 'Justification')"},
+      {"stored files are as long as they say",
+       "SELECT COUNT(*) FROM attachments WHERE LENGTH(content_hex) <> 2 * file_size"},
+      {"goods come after they were ordered",
+       "SELECT COUNT(*) FROM receipts r JOIN purchase_orders o ON o.po_id = r.po_id "
+       "WHERE r.receive_date < o.create_date"},
+  };
+  for (const Check& c : checks) EXPECT_EQ(count(c.query), 0) << c.what;
+  EXPECT_GT(count("SELECT COUNT(*) FROM receipt_lines WHERE received_qty < 0"), 0)
+      << "corrections are among the receipts";
+  EXPECT_GT(count("SELECT COUNT(*) FROM reviewers"), 0);
+  EXPECT_GT(count("SELECT COUNT(*) FROM req_lines WHERE is_special = 1"), 0);
+  EXPECT_EQ(count("SELECT COUNT(*) FROM delegations"), 3) << "one manager away per organisation";
+}
+
 }  // namespace
 }  // namespace kxui::reference

@@ -64,6 +64,9 @@ int main(int argc, char** argv) {
     std::cout << "organisations " << c.borgs << ", users " << c.users << ", commodities "
               << c.commodities << ", parts " << c.parts << ", requisitions " << c.requisitions
               << ", orders " << c.orders << ", news " << c.news << " (" << secs << " s)\n";
+    for (const auto& [table, rows] : reference::TableRowCounts(*db)) {
+      std::cout << "  " << table << " " << rows << "\n";
+    }
   } catch (const Failure& f) {
     std::cerr << "kxseed: " << f.description() << "\n";
     return 1;
