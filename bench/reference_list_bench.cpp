@@ -1,60 +1,110 @@
 // UIReq.GetListPage over the reference tier: the first page and a middle page of one
 // user's 1,000 and 1,000,000 requisitions, with the default services formatting the
-// dates. The ratio between the sizes shows what the contract costs: the tier hands the
-// façade every row of the list, so the page's cost grows with the list.
+// dates; beside it the business object's list alone, which is what the contract makes
+// the façade wait for. The ratios printed at the end show what the contract costs: the
+// tier hands the façade every row of the list, so a page's cost grows with the list.
+//
+// The large data set is generated once into the build tree and reused (a few minutes
+// the first time). KXUI_BENCH_ROWS sets its size (default 1000000; CI runs use fewer);
+// KXUI_BENCH_DATA_DIR moves it.
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <iomanip>
+#include <iostream>
 #include <map>
 #include <memory>
 #include <string>
 
-#include <unistd.h>
-
 #include "kxui/requisition/ui_req.h"
 #include "reference/database.h"
 #include "reference/register.h"
+#include "reference/requisition.h"
 #include "reference/seed.h"
 #include "reference/soci_include.h"
 #include "services/register.h"
+
+#ifndef KXUI_BENCH_DATA_DIR
+#define KXUI_BENCH_DATA_DIR "bench_data"
+#endif
 
 namespace {
 
 using namespace kxui;
 
+constexpr int32_t kSmall = 1000;
+constexpr int32_t kPageSize = 20;
+
+int32_t large_rows() {
+  const char* env = std::getenv("KXUI_BENCH_ROWS");
+  const int32_t rows = env ? std::atoi(env) : 1000000;
+  return rows > kSmall ? rows : 1000000;
+}
+
+std::filesystem::path data_dir() {
+  const char* env = std::getenv("KXUI_BENCH_DATA_DIR");
+  return env ? std::filesystem::path(env) : std::filesystem::path(KXUI_BENCH_DATA_DIR);
+}
+
+int32_t bench_rows_in(reference::Database& db) {
+  return db.read([](soci::session& sql) {
+    int n = 0;
+    sql << "SELECT COUNT(*) FROM requisitions r JOIN users u ON u.sys_user_id = "
+           "r.requisitioner_id WHERE u.login_id = 'bench'",
+        soci::into(n);
+    return n;
+  });
+}
+
+// A database of `rows` requisitions of the user "bench": reused when a previous run left
+// a complete one, else made afresh.
+std::shared_ptr<reference::Database> data_set(int32_t rows) {
+  const std::filesystem::path dir = data_dir();
+  std::filesystem::create_directories(dir);
+  const std::filesystem::path file = dir / ("reference_list_" + std::to_string(rows) + ".db");
+  if (std::filesystem::exists(file)) {
+    try {
+      auto db = reference::Database::Open(file.string());
+      if (bench_rows_in(*db) == rows) return db;
+    } catch (const Failure&) {
+    }
+    for (const char* suffix : {"", "-wal", "-shm"}) {
+      std::filesystem::remove(file.string() + suffix);
+    }
+  }
+  std::cerr << "Generating " << rows << " requisitions into " << file << " ...\n";
+  const std::filesystem::path partial = file.string() + ".partial";
+  std::filesystem::remove(partial);
+  {
+    auto db = reference::Database::Open(partial.string());
+    reference::SeedOptions seed;
+    seed.users_per_borg = 5;
+    seed.parts = 200;
+    seed.requisitions_per_user = 0;
+    seed.bench_rows = rows;
+    reference::Seed(*db, seed);
+  }
+  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(partial.string() + suffix);
+  std::filesystem::rename(partial, file);
+  return reference::Database::Open(file.string());
+}
+
 struct Setup {
-  std::filesystem::path dir;
   std::shared_ptr<reference::Database> db;
   std::shared_ptr<Runtime> runtime = std::make_shared<Runtime>();
   std::shared_ptr<BasicSession> session = std::make_shared<BasicSession>();
 
-  explicit Setup(int32_t rows) {
-    dir = std::filesystem::temp_directory_path() /
-          ("kxbench_" + std::to_string(::getpid()) + "_" + std::to_string(rows));
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    db = reference::Database::Open((dir / "bench.db").string());
-    reference::SeedOptions seed;
-    seed.users_per_borg = 2;
-    seed.parts = 50;
-    seed.requisitions_per_user = 0;
-    seed.bench_rows = rows;
-    reference::Seed(*db, seed);
+  explicit Setup(int32_t rows) : db(data_set(rows)) {
     services::ServiceOptions options;
-    options.ini_directory = dir;
+    options.ini_directory = data_dir();
     services::RegisterDefaultServices(*runtime, options);
-    reference::Register(*runtime, db);
+    reference::Register(*runtime, db, {.table_settings = true});
     db->read([&](soci::session& sql) {
       sql << "SELECT sys_user_id, borg_id FROM users WHERE login_id = 'bench'",
           soci::into(session->sys_user_id), soci::into(session->borg_id);
     });
     session->time_zone_id = 4;  // not 15: every date is converted as well as formatted
-  }
-  ~Setup() {
-    runtime.reset();
-    db.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(dir, ec);
   }
 };
 
@@ -65,29 +115,97 @@ Setup& setup(int32_t rows) {
   return *s;
 }
 
-// Args: rows, page (0 = the middle page).
+int32_t rows_of(const benchmark::State& state) {
+  return state.range(0) == 0 ? large_rows() : static_cast<int32_t>(state.range(0));
+}
+
+// Args: rows (0 = the large set), page (0 = the middle page).
 void BM_GetListPage(benchmark::State& state) {
-  const auto rows = static_cast<int32_t>(state.range(0));
+  const int32_t rows = rows_of(state);
   Setup& s = setup(rows);
-  const int32_t page = state.range(1) == 0 ? rows / 20 / 2 : static_cast<int32_t>(state.range(1));
+  const int32_t page =
+      state.range(1) == 0 ? rows / kPageSize / 2 : static_cast<int32_t>(state.range(1));
   UIReq req(s.runtime);
   for (auto _ : state) {
     RecordsetPtr out = req.GetListPage(s.session, "bench", "", "CreateDate", "", page);
-    if (!out || out->RecordCount() != 20) {
+    if (!out || out->RecordCount() != kPageSize) {
       state.SkipWithError(("no page: " + req.Error()->Description()).c_str());
       break;
     }
     benchmark::DoNotOptimize(out);
   }
   state.counters["rows"] = rows;
+  state.counters["page"] = page;
 }
-BENCHMARK(BM_GetListPage)
-    ->Args({1000, 1})
-    ->Args({1000, 0})
-    ->Args({1000000, 1})
-    ->Args({1000000, 0})
-    ->Unit(benchmark::kMillisecond);
+
+// The business object's whole list, which every page of the façade waits for.
+void BM_BusinessList(benchmark::State& state) {
+  const int32_t rows = rows_of(state);
+  Setup& s = setup(rows);
+  reference::RefRequisition req(s.db);
+  Variant custom;
+  for (auto _ : state) {
+    RecordsetPtr all = req.GetRequisitionList(s.session, "bench", "", "CreateDate", "", custom);
+    if (!all || all->RecordCount() != rows) {
+      state.SkipWithError("the list is incomplete");
+      break;
+    }
+    benchmark::DoNotOptimize(all);
+  }
+  state.counters["rows"] = rows;
+}
+
+BENCHMARK(BM_GetListPage)->Args({kSmall, 1})->Args({kSmall, 0})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BusinessList)->Args({kSmall})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GetListPage)->Args({0, 1})->Args({0, 0})->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BusinessList)->Args({0})->Iterations(3)->Unit(benchmark::kMillisecond);
+
+// Prints each run as usual and remembers its time per iteration for the ratios.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
+      ms_[run.benchmark_name()] = run.GetAdjustedRealTime();
+    }
+  }
+  void Ratios() const {
+    const std::string big = std::to_string(large_rows());
+    const std::pair<const char*, std::string> pairs[][2] = {
+        {{"first page", "BM_GetListPage/1000/1"}, {"", "BM_GetListPage/0/1/iterations:3"}},
+        {{"middle page", "BM_GetListPage/1000/0"}, {"", "BM_GetListPage/0/0/iterations:3"}},
+        {{"business list", "BM_BusinessList/1000"}, {"", "BM_BusinessList/0/iterations:3"}},
+    };
+    std::cout << "\nRatios, " << big << " rows against " << kSmall << " rows:\n";
+    for (const auto& pair : pairs) {
+      const auto small = ms_.find(pair[0].second), large = ms_.find(pair[1].second);
+      if (small == ms_.end() || large == ms_.end() || small->second <= 0) continue;
+      std::cout << "  " << std::left << std::setw(14) << pair[0].first << std::fixed
+                << std::setprecision(2) << small->second << " ms -> " << large->second
+                << " ms  x" << std::setprecision(0) << large->second / small->second << "\n";
+    }
+    const auto page = ms_.find("BM_GetListPage/0/0/iterations:3");
+    const auto list = ms_.find("BM_BusinessList/0/iterations:3");
+    if (page != ms_.end() && list != ms_.end() && page->second > 0) {
+      std::cout << "  the business list is " << std::setprecision(0)
+                << 100 * list->second / page->second << "% of a middle page at " << big
+                << " rows\n";
+    }
+  }
+
+ private:
+  std::map<std::string, double> ms_;
+};
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  reporter.Ratios();
+  benchmark::Shutdown();
+  return 0;
+}
