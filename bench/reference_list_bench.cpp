@@ -160,42 +160,52 @@ BENCHMARK(BM_BusinessList)->Args({kSmall})->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_GetListPage)->Args({0, 1})->Args({0, 0})->Iterations(3)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BusinessList)->Args({0})->Iterations(3)->Unit(benchmark::kMillisecond);
 
-// Prints each run as usual and remembers its time per iteration for the ratios.
+// Prints each run as usual and remembers its times per iteration for the ratios. CPU
+// time is printed beside wall time: on a shared machine the wall time also counts the
+// waits for a core.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
-      ms_[run.benchmark_name()] = run.GetAdjustedRealTime();
+      times_[run.benchmark_name()] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
     }
   }
   void Ratios() const {
     const std::string big = std::to_string(large_rows());
-    const std::pair<const char*, std::string> pairs[][2] = {
+    const std::pair<const char*, const char*> pairs[][2] = {
         {{"first page", "BM_GetListPage/1000/1"}, {"", "BM_GetListPage/0/1/iterations:3"}},
         {{"middle page", "BM_GetListPage/1000/0"}, {"", "BM_GetListPage/0/0/iterations:3"}},
         {{"business list", "BM_BusinessList/1000"}, {"", "BM_BusinessList/0/iterations:3"}},
     };
-    std::cout << "\nRatios, " << big << " rows against " << kSmall << " rows:\n";
+    std::cout << "\nRatios, " << big << " rows against " << kSmall << " rows (wall; CPU):\n"
+              << std::fixed;
     for (const auto& pair : pairs) {
-      const auto small = ms_.find(pair[0].second), large = ms_.find(pair[1].second);
-      if (small == ms_.end() || large == ms_.end() || small->second <= 0) continue;
-      std::cout << "  " << std::left << std::setw(14) << pair[0].first << std::fixed
-                << std::setprecision(2) << small->second << " ms -> " << large->second
-                << " ms  x" << std::setprecision(0) << large->second / small->second << "\n";
+      const auto small = times_.find(pair[0].second), large = times_.find(pair[1].second);
+      if (small == times_.end() || large == times_.end()) continue;
+      const Times& a = small->second;
+      const Times& b = large->second;
+      if (a.wall <= 0 || a.cpu <= 0) continue;
+      std::cout << "  " << std::left << std::setw(14) << pair[0].first << std::setprecision(2)
+                << a.wall << " -> " << b.wall << " ms x" << std::setprecision(0)
+                << b.wall / a.wall << "; " << std::setprecision(2) << a.cpu << " -> " << b.cpu
+                << " ms x" << std::setprecision(0) << b.cpu / a.cpu << "\n";
     }
-    const auto page = ms_.find("BM_GetListPage/0/0/iterations:3");
-    const auto list = ms_.find("BM_BusinessList/0/iterations:3");
-    if (page != ms_.end() && list != ms_.end() && page->second > 0) {
+    const auto page = times_.find("BM_GetListPage/0/0/iterations:3");
+    const auto list = times_.find("BM_BusinessList/0/iterations:3");
+    if (page != times_.end() && list != times_.end() && page->second.cpu > 0) {
       std::cout << "  the business list is " << std::setprecision(0)
-                << 100 * list->second / page->second << "% of a middle page at " << big
-                << " rows\n";
+                << 100 * list->second.cpu / page->second.cpu << "% of a middle page's CPU at "
+                << big << " rows\n";
     }
   }
 
  private:
-  std::map<std::string, double> ms_;
+  struct Times {
+    double wall = 0, cpu = 0;
+  };
+  std::map<std::string, Times> times_;
 };
 
 }  // namespace

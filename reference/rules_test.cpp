@@ -2,9 +2,14 @@
 // expiry, status transitions, copies and templates.
 #include <gmock/gmock.h>
 
+#include "kxui/business/progids.h"
+#include "kxui/business/reconcile.h"
+#include "kxui/po/ui_po.h"
+#include "kxui/po/ui_recon_po.h"
 #include "kxui/requisition/ui_req.h"
 #include "kxui/workflow/ui_wf.h"
 #include "reference/errors.h"
+#include "reference/order_fixture.h"
 #include "reference/test_fixture.h"
 
 namespace kxui::reference {
@@ -216,6 +221,67 @@ TEST(Rules, CopiesAndTemplates) {
     }
     EXPECT_EQ(names, c.names);
   }
+}
+
+// An order changes only while it is open: once sent, every change is refused with the
+// same clear error and leaves the order, its lines and its log as they were.
+TEST(Rules, ASentOrderIsNoLongerChanged) {
+  testing::Ordered o;
+  auto alice = o.f->session(o.f->ids.alice);
+  UIPO po(o.f->runtime);
+  UIReconPO recon(o.f->runtime);
+  UIReq req(o.f->runtime);
+  ASSERT_TRUE(recon.SubmitRecPO(alice, o.po_id)) << recon.Error()->Description();
+  const auto log_entries = [&] {
+    return o.f->db->read([&](soci::session& sql) {
+      int n = 0;
+      sql << "SELECT COUNT(*) FROM po_log WHERE po_id = :p", soci::use(o.po_id), soci::into(n);
+      return n;
+    });
+  };
+  const int logged = log_entries();
+  const Variant one_line(Array::of({Variant(int32_t{1})}));
+  const Variant one_qty(Array::of({Variant(1.0)}));
+  const Variant none(Array::of({Variant(0.0)}));
+  // The reconciliation page only learns False from its façade; the others record why.
+  struct Case {
+    const char* what;
+    std::function<bool()> call;
+    ErrorInfoPtr error;
+    bool recorded = true;
+  } cases[] = {
+      {"delete a line", [&] { return po.DeleteItem(alice, o.po_id, 1); }, po.Error()},
+      {"delete the order", [&] { return po.DeletePO(alice, o.po_id); }, po.Error()},
+      {"split a line", [&] { return po.SaveCostDistribs(alice, o.po_id, 1, "1", "100"); },
+       po.Error()},
+      {"change quantities",
+       [&] { return recon.UpdateItemsQtys(alice, o.po_id, one_line, one_qty, none); },
+       recon.Error(), false},
+      {"submit the reconciliation again", [&] { return recon.SubmitRecPO(alice, o.po_id); },
+       recon.Error(), false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    c.error->SetNumber(0);
+    EXPECT_FALSE(c.call());
+    if (!c.recorded) {
+      EXPECT_EQ(c.error->Number(), 0);
+      continue;
+    }
+    EXPECT_EQ(c.error->Number(), error_number(Refusal::kWrongStatus));
+    EXPECT_THAT(c.error->Description(), HasSubstr("is no longer open"));
+  }
+  auto order = create_as<business::ReconcileOrder>(*o.f->runtime, progid::ReconcileOrder);
+  Variant cd;
+  EXPECT_FALSE(order->UpdateQuantities(alice, o.po_id, one_line, one_qty, none, cd));
+  EXPECT_THAT(order->GetError()->Description(), HasSubstr("is no longer open"));
+  EXPECT_FALSE(order->SubmitOrder(alice, o.po_id, cd));
+  EXPECT_THAT(order->GetError()->Description(), HasSubstr("is no longer open"));
+  EXPECT_EQ(testing::count_lines(*o.f->db, o.po_id), 2);
+  EXPECT_EQ(log_entries(), logged);
+  // Its requisition, approved into the order, is not cancelled under it.
+  EXPECT_FALSE(req.CancelReq(alice, o.req_id));
+  EXPECT_THAT(req.Error()->Description(), HasSubstr("cannot be cancelled"));
 }
 
 }  // namespace

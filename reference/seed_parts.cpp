@@ -1,7 +1,6 @@
 #include "reference/seed_parts.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "reference/purchase_order.h"
 #include "reference/seed.h"
