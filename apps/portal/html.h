@@ -26,9 +26,14 @@ std::string url_encode(std::string_view text);
 
 // One column of a rendered record set: its heading and how a cell is made from a row.
 struct Column {
+  enum Kind { kText, kLink, kBadge, kNumber, kReqStatus };
+  Column(std::string heading_text, std::string source_column, Kind k = kText,
+         std::string link_prefix = "", std::string link_column = "")
+      : heading(std::move(heading_text)), source(std::move(source_column)), kind(k),
+        link(std::move(link_prefix)), link_key(std::move(link_column)) {}
   std::string heading;
   std::string source;  // the record set's column
-  enum Kind { kText, kLink, kBadge, kNumber, kReqStatus } kind = kText;
+  Kind kind;
   std::string link;    // for kLink: a prefix the row's `link_key` value is appended to
   std::string link_key;
 };

@@ -53,7 +53,10 @@ void user_loop(int port, int index, Clock::time_point until, Totals& t) {
     ++t.requests;
     if (!r) return t.error(what + ": no response"), false;
     if (r->status != expected) {
-      return t.error(what + ": status " + std::to_string(r->status)), false;
+      std::smatch m;
+      std::string message;
+      if (std::regex_search(r->body, m, std::regex("role=\"alert\">([^<]*)"))) message = m[1].str();
+      return t.error(what + ": status " + std::to_string(r->status) + " " + message), false;
     }
     return true;
   };
@@ -92,15 +95,19 @@ void user_loop(int port, int index, Clock::time_point until, Totals& t) {
     const std::string po = orders[static_cast<size_t>(step) % orders.size()];
     auto rform = cli.Get("/receive/" + po, session);
     if (!count(rform, "GET /receive/" + po, 200)) continue;
-    std::smatch m;
-    if (!std::regex_search(rform->body, m, std::regex("name=\"rq(\\d+)\""))) continue;
-    const std::string line = m[1].str();
-    auto posted = cli.Post("/receive/" + po, session,
-                           httplib::Params{{"csrf", hidden(rform->body, "csrf")},
-                                           {"cartons", "1"},
-                                           {"rq" + line, "0"},
-                                           {"ps" + line, "1"},
-                                           {"cm" + line, "load test"}});
+    // Every line's fields, as a browser sends them.
+    httplib::Params fields{{"csrf", hidden(rform->body, "csrf")}, {"cartons", "1"}};
+    const std::regex line_input("name=\"rq(\\d+)\"");
+    for (std::sregex_iterator it(rform->body.begin(), rform->body.end(), line_input), end;
+         it != end; ++it) {
+      const std::string line = (*it)[1].str();
+      const bool first = fields.size() == 2;
+      fields.emplace("rq" + line, "0");
+      fields.emplace("ps" + line, first ? "1" : "0");
+      fields.emplace("cm" + line, first ? "load test" : "");
+    }
+    if (fields.size() == 2) continue;
+    auto posted = cli.Post("/receive/" + po, session, fields);
     if (count(posted, "POST /receive/" + po, 303)) ++t.receipts;
   }
 }

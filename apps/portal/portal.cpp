@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 
 #include "reference/schema.h"
 #include "reference/session.h"
@@ -75,6 +76,13 @@ std::shared_ptr<BasicSession> session_of(const SessionRow& row) {
 }
 
 }  // namespace
+
+std::string error_number_text(int32_t number) {
+  if (number >= 0) return std::to_string(number);
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "0x%08X", static_cast<uint32_t>(number));
+  return buf;
+}
 
 std::string session_cookie(const httplib::Request& req) { return cookie_value(req, kCookie); }
 
@@ -186,7 +194,7 @@ void Portal::run(const httplib::Request& req, httplib::Response& res, const Hand
     h(ctx);
   } catch (const Failure& f) {
     ctx.render("Something went wrong", "", "",
-               f.description() + " (error " + std::to_string(f.number()) + ")", 500);
+               f.description() + " (error " + error_number_text(f.number()) + ")", 500);
   } catch (const std::exception& e) {
     ctx.render("Something went wrong", "", "", e.what(), 500);
   }

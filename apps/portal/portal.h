@@ -58,6 +58,9 @@ struct Ctx {
   void redirect(const std::string& to, const std::string& notice = "");
 };
 
+// An error number as people quote it: message numbers (negative as 32-bit) in hex.
+std::string error_number_text(int32_t number);
+
 // "Description (error N)" of a façade's last failure.
 template <class F>
 std::string failure_text(F& facade) {
@@ -65,7 +68,7 @@ std::string failure_text(F& facade) {
   if (!e) return "The operation failed.";
   std::string d = e->Description();
   if (d.empty()) d = "The operation failed.";
-  return d + " (error " + std::to_string(e->Number()) + ")";
+  return d + " (error " + error_number_text(e->Number()) + ")";
 }
 
 class Portal {

@@ -28,7 +28,6 @@ struct Server {
     server = std::make_unique<PortalServer>(config);
     port = server->bind();
     thread = std::thread([this] { server->listen(); });
-    server->http().wait_until_ready();
   }
   ~Server() {
     server->stop();
@@ -168,13 +167,13 @@ TEST_F(PortalTest, SignInCookiesThrottlingAndSignOut) {
   // Five failures for one login refuse even the right password for a while.
   for (int i = 0; i < 4; ++i) {
     c.Post("/login", {{"Cookie", pre}},
-           httplib::Params{{"csrf", token}, {"login", "U1_3"}, {"password", "bad"}});
+           httplib::Params{{"csrf", token}, {"login", "U2_3"}, {"password", "bad"}});
   }
   auto fifth = c.Post("/login", {{"Cookie", pre}},
-                      httplib::Params{{"csrf", token}, {"login", "u1_3"}, {"password", "bad"}});
+                      httplib::Params{{"csrf", token}, {"login", "u2_3"}, {"password", "bad"}});
   EXPECT_EQ(fifth->status, 401);
   auto throttled = c.Post("/login", {{"Cookie", pre}},
-                          httplib::Params{{"csrf", token}, {"login", "u1_3"}, {"password", "u1_3-pw"}});
+                          httplib::Params{{"csrf", token}, {"login", "u2_3"}, {"password", "u2_3-pw"}});
   EXPECT_EQ(throttled->status, 429);
   EXPECT_THAT(throttled->body, HasSubstr("Too many failed sign-ins"));
 
@@ -237,7 +236,7 @@ TEST_F(PortalTest, EverySignedInPageRenders) {
       {"/prefs", 200, "Time zone"},
       {"/reports", 200, "Download CSV"},
       {"/report/1", 200, "ReqID"},
-      {"/report/999", 404, "class=\"error\""},
+      {"/report/999", 422, "class=\"error\""},
   };
   for (const Case& k : cases) {
     SCOPED_TRACE(k.path);

@@ -1,5 +1,7 @@
 #include "apps/portal/server.h"
 
+#include <sys/socket.h>
+
 #include <filesystem>
 
 #include "reference/register.h"
@@ -22,13 +24,25 @@ PortalServer::PortalServer(const ServerConfig& config)
   const int threads = config.threads;
   http_.new_task_queue = [threads] { return new httplib::ThreadPool(threads); };
   http_.set_payload_max_length(16 * 1024 * 1024);
+  http_.set_keep_alive_max_count(100);
+  // The library listens with a backlog of 5: under many new connections at once the
+  // kernel drops the rest and clients wait a second to retry. Keep the socket so that
+  // bind() can widen the backlog.
+  http_.set_socket_options([this](socket_t sock) {
+    int yes = 1;
+    ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    listen_socket_ = sock;
+  });
 }
 
 PortalServer::~PortalServer() { http_.stop(); }
 
 int PortalServer::bind() {
-  if (config_.port == 0) return http_.bind_to_any_port(config_.host);
-  return http_.bind_to_port(config_.host, config_.port) ? config_.port : -1;
+  const int port = config_.port == 0 ? http_.bind_to_any_port(config_.host)
+                   : http_.bind_to_port(config_.host, config_.port) ? config_.port
+                                                                   : -1;
+  if (port > 0 && listen_socket_ >= 0) ::listen(listen_socket_, SOMAXCONN);
+  return port;
 }
 
 void PortalServer::listen() { http_.listen_after_bind(); }

@@ -39,6 +39,7 @@ class PortalServer {
   std::shared_ptr<kxui::Runtime> runtime_;
   std::unique_ptr<Portal> portal_;
   httplib::Server http_;
+  int listen_socket_ = -1;
 };
 
 }  // namespace portal
