@@ -100,6 +100,9 @@ std::string table(Recordset& rs, const std::vector<Column>& columns, std::string
         case Column::kReqStatus:
           out += "<td>" + badge(req_status_name(field_int(rs, c.source))) + "</td>";
           break;
+        case Column::kView:
+          out += "<td><a href=\"" + esc(c.link + url_encode(field(rs, c.link_key))) + "\">View</a></td>";
+          break;
         case Column::kLink:
           out += "<td><a href=\"" + esc(c.link + url_encode(field(rs, c.link_key))) + "\">" +
                  esc(value.empty() ? "(unnamed)" : value) + "</a></td>";
@@ -164,7 +167,9 @@ button.secondary{background:#fff;color:#1f3a5f}button.danger{background:#a32020;
 .totals td{border:none;padding:2px 10px}.muted{color:#66717d}.empty{color:#66717d;font-style:italic}
 .filters a{margin-right:10px}.filters a.on{font-weight:700;text-decoration:none;color:#1d2733}
 .login{max-width:380px;margin:70px auto}.actions form{display:inline-block;margin:0 6px 6px 0}
-ul.tree{list-style:none;padding-left:16px}pre.news{white-space:pre-wrap;font:inherit;margin:0}
+ul.tree{list-style:none;padding-left:16px}table.workflow{border:none;width:auto}table.workflow td{border:none}
+table.workflow caption{text-align:left;color:#66717d;padding-bottom:6px}.step{border:1px solid #b9c3cf;border-radius:6px;padding:6px 10px;margin:4px;background:#f8fafc;font-size:13px}
+.step.current{border-color:#1f3a5f;background:#e3effd}pre.news{white-space:pre-wrap;font:inherit;margin:0}
 )css";
 
 }  // namespace

@@ -26,7 +26,7 @@ std::string url_encode(std::string_view text);
 
 // One column of a rendered record set: its heading and how a cell is made from a row.
 struct Column {
-  enum Kind { kText, kLink, kBadge, kNumber, kReqStatus };
+  enum Kind { kText, kLink, kBadge, kNumber, kReqStatus, kView };  // kView: a link reading "View"
   Column(std::string heading_text, std::string source_column, Kind k = kText,
          std::string link_prefix = "", std::string link_column = "")
       : heading(std::move(heading_text)), source(std::move(source_column)), kind(k),

@@ -102,7 +102,7 @@ void po_page(Ctx& c, const std::string& error = "", int status = 200) {
                                  {"Tax", "UIDisplay_SalesTaxAmt", Column::kNumber},
                                  {"Amount", "UIDisplay_ActualPrice", Column::kNumber},
                                  {"Deliver by", "UIDisplay_DeliverByDate"},
-                                 {"Cost split", "LineNum", Column::kLink, base + "/costs?line=", "LineNum"}})
+                                 {"Cost split", "LineNum", Column::kView, base + "/costs?line=", "LineNum"}})
                 : "<div class=\"error\">" + esc(failure_text(*po)) + "</div>";
   body += attachments_block(c, 3, id);
   body += "<h2>History</h2>";

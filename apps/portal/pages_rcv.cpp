@@ -25,7 +25,7 @@ void receiving_list(Ctx& c) {
                                  {"Status", "StatusName", Column::kBadge},
                                  {"Requisitioner", "RequisitionerName"},
                                  {"Created", "UIDisplay_CreateDate"},
-                                 {"Receipts", "PONum", Column::kLink, "/receipts/", "POID"}},
+                                 {"Receipts", "POID", Column::kView, "/receipts/", "POID"}},
                            "No orders are waiting to be received.");
   c.render("Receiving", body + pager(*rs, "/receiving?"));
 }

@@ -135,6 +135,7 @@ void req_page(Ctx& c, const std::string& error = "", int status = 200) {
   } else {
     body += "<div class=\"error\">" + esc(lines_error) + "</div>";
   }
+  body += attachments_block(c, 1, id);
   if (st == 5) {
     auto po = c.hub().PO();
     RecordsetPtr pos = po->GetPOsByRequisition(session, id);

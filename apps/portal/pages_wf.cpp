@@ -9,17 +9,23 @@ using kxui::Variant;
 
 namespace {
 
+constexpr const char* kDelegationLink =
+    "<p><a href=\"/delegation\">Hand your approvals to someone else while you are away</a></p>";
+
 void approvals_page(Ctx& c) {
   auto wf = c.hub().WF();
   RecordsetPtr rs = wf->GetApproverListPage(c.session(), c.param("sort"), c.int_param("page"));
   if (!rs) {
-    if (wf->Success()) return c.render("Approvals", "<p class=\"empty\">Nothing waits for you.</p>");
+    if (wf->Success()) {
+      return c.render("Approvals", std::string(kDelegationLink) + "<p class=\"empty\">Nothing waits for you.</p>");
+    }
     return c.render("Approvals", "", "", failure_text(*wf));
   }
   std::string body = "<table><thead><tr><th>No.</th><th>Name</th><th>Requisitioner</th>"
                      "<th>Organisation</th><th>Waiting since</th><th>Created</th></tr></thead><tbody>";
   if (rs->RecordCount() == 0) {
-    return c.render("Approvals", "<p class=\"empty\">Nothing waits for your approval.</p>");
+    return c.render("Approvals", std::string(kDelegationLink) +
+                                     "<p class=\"empty\">Nothing waits for your approval.</p>");
   }
   for (rs->MoveFirst(); !rs->IsEOF(); rs->MoveNext()) {
     body += "<tr><td>" + esc(field(*rs, "ReqID")) + "</td><td><a href=\"/approve/" +
@@ -30,7 +36,7 @@ void approvals_page(Ctx& c) {
             esc(field(*rs, "UIDisplay_CreateDate")) + "</td></tr>";
   }
   body += "</tbody></table>" + pager(*rs, "/approvals?");
-  c.render("Approvals", body);
+  c.render("Approvals", kDelegationLink + body);
 }
 
 void reviews_page(Ctx& c) {
@@ -147,13 +153,14 @@ void delegation_page(Ctx& c, const std::string& error = "", int status = 200) {
   auto wf = c.hub().WF();
   Variant borg, user, delegatee, name, login, start, end, enabled;
   std::string body;
-  if (!wf->CheckDelegationEnabled(c.session())) {
-    return c.render("Delegation", "<p class=\"empty\">Your organisation does not use delegation.</p>",
-                    "", wf->Success() ? "" : failure_text(*wf));
+  // The business tier answers "not enabled" also for a user who never delegated, so the
+  // form is always offered and saving gives the tier's own answer.
+  const bool active = wf->CheckDelegationEnabled(c.session());
+  if (!wf->GetBorgDelegationData(c.session(), borg, user, delegatee, name, login, start, end,
+                                 enabled)) {
+    delegatee = name = start = end = enabled = Variant();
   }
-  if (!wf->GetBorgDelegationData(c.session(), borg, user, delegatee, name, login, start, end, enabled)) {
-    return c.render("Delegation", "", "", failure_text(*wf));
-  }
+  if (!active) body += "<p class=\"muted\">No delegation is in force for you now.</p>";
   auto date_input = [](const Variant& v) {
     if (v.is_empty() || v.is_null()) return std::string();
     const std::string t = text_of(v);

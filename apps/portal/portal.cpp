@@ -183,7 +183,10 @@ void Portal::run(const httplib::Request& req, httplib::Response& res, const Hand
   }
   std::lock_guard<std::mutex> lock(user->mutex);
   Ctx ctx{req, res, *user, *this};
-  if (is_post && !same_token(req.get_param_value("csrf"), user->row.csrf_token)) {
+  // A file upload carries its token as a part of the multipart body.
+  const std::string token = req.is_multipart_form_data() ? req.get_file_value("csrf").content
+                                                         : req.get_param_value("csrf");
+  if (is_post && !same_token(token, user->row.csrf_token)) {
     ctx.render("Request refused",
                "<p>This form has expired or did not come from this site. Go back, reload the "
                "page and try again.</p>",

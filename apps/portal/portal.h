@@ -109,6 +109,9 @@ class Portal {
   std::unordered_map<std::string, std::shared_ptr<User>> users_;
 };
 
+// The files of an owner (1 requisition, 3 order): list, download, remove and upload.
+std::string attachments_block(Ctx& c, int32_t option, int32_t id);
+
 // The cookie's session id from a request, "" when there is none.
 std::string session_cookie(const httplib::Request& req);
 

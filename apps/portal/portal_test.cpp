@@ -384,6 +384,79 @@ TEST_F(PortalTest, PreferencesChangeEveryDateAndAmount) {
   EXPECT_FALSE(std::regex_search(list->body, std::regex("\\$\\d"))) << "no dollar amounts";
 }
 
+TEST_F(PortalTest, AttachmentsAndReportsAreDownloads) {
+  auto me = sign_in("u1_6");
+  auto c = client();
+  const std::string req = std::to_string(query_int(
+      "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
+      "r.requisitioner_id WHERE u.login_id = 'u1_6'"));
+  auto upload = [&](const std::string& token, const std::string& name) {
+    httplib::MultipartFormDataItems items{{"csrf", token, "", ""},
+                                          {"file", "<html><script>x</script>", name, "text/html"}};
+    return c.Post("/attach/1/" + req, me.headers, items);
+  };
+  EXPECT_EQ(upload("", "a.html")->status, 403) << "an upload carries the token too";
+  auto refused = upload(me.csrf, "../etc/passwd");
+  EXPECT_EQ(refused->status, 422);
+  EXPECT_THAT(refused->body, HasSubstr("Invalid file name"));
+  ASSERT_EQ(upload(me.csrf, "note \"1\".html")->status, 303);
+  auto page = c.Get("/req/" + req, me.headers);
+  std::smatch m;
+  ASSERT_TRUE(std::regex_search(page->body, m, std::regex("/attach/1/" + req + "/(\\d+)\"")));
+  auto file = c.Get("/attach/1/" + req + "/" + m[1].str(), me.headers);
+  EXPECT_EQ(file->status, 200);
+  EXPECT_EQ(file->body, "<html><script>x</script>");
+  EXPECT_EQ(file->get_header_value("Content-Type"), "application/octet-stream");
+  EXPECT_EQ(file->get_header_value("Content-Disposition"), "attachment; filename=\"note _1_.html\"");
+
+  auto csv = c.Get("/report/2?p_FromDate=2000-01-01&p_ToDate=", me.headers);
+  EXPECT_EQ(csv->status, 200);
+  EXPECT_THAT(csv->get_header_value("Content-Type"), HasSubstr("text/csv"));
+  EXPECT_THAT(csv->get_header_value("Content-Disposition"), HasSubstr("attachment"));
+  EXPECT_THAT(csv->body, HasSubstr("\r\n"));
+  auto missing = c.Get("/report/2?p_FromDate=", me.headers);
+  EXPECT_EQ(missing->status, 422) << "a required parameter left empty";
+  EXPECT_THAT(missing->body, HasSubstr("class=\"error\""));
+}
+
+TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
+  const std::string req = std::to_string(query_int(
+      "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
+      "r.requisitioner_id WHERE u.borg_id = (SELECT borg_id FROM users WHERE login_id = 'u1_1') "
+      "AND r.status_id = 2"));
+  auto me = sign_in(query_text("SELECT u.login_id FROM requisitions r JOIN users u ON "
+                               "u.sys_user_id = r.requisitioner_id WHERE r.req_id = " + req));
+  auto c = client();
+  auto search = c.Get("/req/" + req + "/route?name=a", me.headers);
+  EXPECT_EQ(search->status, 200);
+  const int32_t steps = query_int("SELECT COUNT(*) FROM approval_steps WHERE req_id = " + req);
+  const std::string user = std::to_string(query_int("SELECT sys_user_id FROM users WHERE login_id = 'u1_1'"));
+  const std::string borg = std::to_string(query_int("SELECT borg_id FROM users WHERE login_id = 'u1_1'"));
+  struct Case {
+    const char* kind;
+    int status;
+  } cases[] = {{"reviewer", 303}, {"after", 303}, {"nonsense", 400}};
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.kind);
+    auto r = c.Post("/req/" + req + "/route", me.headers,
+                    httplib::Params{{"csrf", me.csrf}, {"kind", k.kind}, {"user", user}, {"borg", borg}});
+    EXPECT_EQ(r->status, k.status) << r->body.substr(r->body.find("<main>"));
+  }
+  EXPECT_EQ(query_int("SELECT COUNT(*) FROM approval_steps WHERE req_id = " + req), steps + 1);
+  auto reviews = c.Get("/reviews", sign_in("u1_1").headers);
+  EXPECT_THAT(reviews->body, HasSubstr("/review/" + req));
+
+  auto bad = c.Post("/delegation", me.headers,
+                    httplib::Params{{"csrf", me.csrf}, {"delegate", user}, {"start", "soon"}, {"end", ""}});
+  EXPECT_EQ(bad->status, 422);
+  EXPECT_THAT(bad->body, HasSubstr("yyyy-mm-dd"));
+  auto saved = c.Post("/delegation", me.headers,
+                      httplib::Params{{"csrf", me.csrf}, {"delegate", user}, {"start", "2026-01-01"},
+                                      {"end", "2026-12-31"}, {"enabled", "1"}});
+  EXPECT_EQ(saved->status, 303) << saved->body;
+  EXPECT_THAT(c.Get("/delegation", me.headers)->body, HasSubstr("checked"));
+}
+
 TEST_F(PortalTest, AnyProcessServesAnySession) {
   auto me = sign_in("u2_5");
   auto c = client();
