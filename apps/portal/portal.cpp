@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
+#include <vector>
 #include <cstdio>
 
 #include "reference/schema.h"
@@ -140,6 +142,13 @@ void Portal::apply_row(User& user, const SessionRow& row) {
   user.session = session_of(row);
 }
 
+void Portal::evict_idle() {
+  std::vector<std::pair<int64_t, std::string>> by_age;
+  for (const auto& [sid, user] : users_) by_age.emplace_back(user->last_used, sid);
+  std::sort(by_age.begin(), by_age.end());
+  for (size_t i = 0; i < by_age.size() / 2; ++i) users_.erase(by_age[i].second);
+}
+
 std::shared_ptr<User> Portal::user_of(const httplib::Request& req) {
   const std::string sid = session_cookie(req);
   if (sid.empty()) return nullptr;
@@ -151,7 +160,11 @@ std::shared_ptr<User> Portal::user_of(const httplib::Request& req) {
     if (it != users_.end()) users_.erase(it);
     return nullptr;
   }
+  const int64_t now = std::chrono::duration_cast<std::chrono::seconds>(
+                          std::chrono::steady_clock::now().time_since_epoch())
+                          .count();
   if (it == users_.end()) {
+    if (users_.size() >= options_.max_cached_sessions) evict_idle();
     auto user = std::make_shared<User>();
     user->sid = sid;
     user->hub = std::make_shared<kxui::UISession>(runtime_);
@@ -163,6 +176,7 @@ std::shared_ptr<User> Portal::user_of(const httplib::Request& req) {
     std::lock_guard<std::mutex> user_lock(it->second->mutex);
     apply_row(*it->second, *row);
   }
+  it->second->last_used = now;
   return it->second;
 }
 

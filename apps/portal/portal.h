@@ -27,6 +27,9 @@ struct PortalOptions {
   int32_t max_failures_per_address = 30;
   int64_t failure_window_seconds = 600;
   int32_t ebo_id = 1;
+  // Sessions kept in memory beyond this many drop those idle longest (their rows stay:
+  // the next request rebuilds them).
+  size_t max_cached_sessions = 2000;
 };
 
 // One signed-in session as this process holds it; rebuilt from its row when absent.
@@ -36,6 +39,7 @@ struct User {
   SessionRow row;
   std::shared_ptr<kxui::BasicSession> session;
   std::shared_ptr<kxui::UISession> hub;
+  int64_t last_used = 0;  // seconds; guarded by the portal's map lock
 };
 
 class Portal;
@@ -89,6 +93,8 @@ class Portal {
   void post(httplib::Server& s, const std::string& pattern, Handler h);
   void run(const httplib::Request& req, httplib::Response& res, const Handler& h, bool is_post);
   std::shared_ptr<User> user_of(const httplib::Request& req);
+  // Drops the half of the cached sessions idle longest; callers hold users_mutex_.
+  void evict_idle();
   void sign_in_page(const httplib::Request& req, httplib::Response& res, const std::string& error,
                     int status);
   void sign_in(const httplib::Request& req, httplib::Response& res);

@@ -467,6 +467,16 @@ TEST_F(PortalTest, AnyProcessServesAnySession) {
   auto there = c2.Get("/reqs", me.headers);
   EXPECT_EQ(there->status, 200);
   EXPECT_THAT(there->body, HasSubstr("u2_5"));
+  // A process that keeps few sessions in memory rebuilds the others from their rows.
+  PortalOptions small;
+  small.max_cached_sessions = 2;
+  Server third(url_, small);
+  httplib::Client c3("127.0.0.1", third.port);
+  const Signed others[] = {sign_in("u3_2"), sign_in("u3_3"), sign_in("u3_4")};
+  for (int round = 0; round < 2; ++round) {
+    for (const Signed& s : others) EXPECT_EQ(c3.Get("/reqs", s.headers)->status, 200);
+  }
+  EXPECT_LE(third.server->portal().cached_sessions(), 2u);
   // Signing out there ends the session here too.
   EXPECT_EQ(c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}})->status, 303);
   EXPECT_EQ(c.Get("/reqs", me.headers)->status, 303);
