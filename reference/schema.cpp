@@ -359,8 +359,7 @@ const char* const kPortalTables[] = {
     "currency_code VARCHAR(3) NOT NULL, csrf_token VARCHAR(64) NOT NULL, "
     "display_name VARCHAR(100) NOT NULL, created VARCHAR(19) NOT NULL, expires VARCHAR(19) NOT NULL)",
     "CREATE INDEX portal_sessions_user ON portal_sessions(sys_user_id)",
-    "CREATE TABLE portal_login_failures (login_key VARCHAR(200) NOT NULL, "
-    "failed_at VARCHAR(19) NOT NULL)",
+    "CREATE TABLE portal_login_failures (login_key VARCHAR(200) NOT NULL, failed_at VARCHAR(19) NOT NULL)",
     "CREATE INDEX portal_login_failures_key ON portal_login_failures(login_key, failed_at)",
 };
 
