@@ -17,6 +17,8 @@ import time
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
+from selenium.webdriver.support import expected_conditions
+from selenium.webdriver.support.ui import WebDriverWait
 
 failures = []
 
@@ -80,6 +82,12 @@ def main():
     def go(path):
         driver.get(portal.url + path)
 
+    def submit(element):
+        # Waits for the next page, so that checks never read the page being left.
+        page = driver.find_element(By.TAG_NAME, "html")
+        element.click()
+        WebDriverWait(driver, 20).until(expected_conditions.staleness_of(page))
+
     def body():
         return driver.find_element(By.TAG_NAME, "body").text
 
@@ -92,10 +100,10 @@ def main():
         go("/login")
         fill("login", login)
         fill("password", login + "-pw")
-        driver.find_element(By.ID, "signin").click()
+        submit(driver.find_element(By.ID, "signin"))
 
     def sign_out():
-        driver.find_element(By.XPATH, "//button[text()='Sign out']").click()
+        submit(driver.find_element(By.XPATH, "//button[text()='Sign out']"))
 
     try:
         requisitioner = "u1_5"
@@ -120,7 +128,7 @@ def main():
         fill("supplier_name", "Lamp shop", form)
         fill("qty", "2", form)
         fill("price", "617.25", form)
-        form.find_element(By.TAG_NAME, "button").click()
+        submit(form.find_element(By.TAG_NAME, "button"))
         match = re.search(r"/req/(\d+)", driver.current_url)
         check(match is not None and "Item added" in body(), "the first item starts a requisition")
         req = match.group(1)
@@ -129,19 +137,19 @@ def main():
         check(len(buttons) > 0, "catalog search finds parts")
         shot("catalog-search")
         if buttons:
-            buttons[0].click()
+            submit(buttons[0])
             check("Item added" in body(), "a catalog part is added")
             row = driver.find_elements(By.XPATH, "//tr[td[text()='2']]//button[text()='Remove']")
             if row:
-                row[0].click()
+                submit(row[0])
         fill("name", "<script>alert(1)</script>")
-        driver.find_element(By.XPATH, "//button[text()='Rename']").click()
+        submit(driver.find_element(By.XPATH, "//button[text()='Rename']"))
         check("<script>alert(1)</script>" in driver.find_element(By.TAG_NAME, "h1").text,
               "a <script> name is shown as text")
         check("$1,234.50" in body(), "the subtotal in US format")
         shot("requisition")
 
-        driver.find_element(By.XPATH, "//button[text()='Submit for approval']").click()
+        submit(driver.find_element(By.XPATH, "//button[text()='Submit for approval']"))
         check("Submitted for approval" in body(), "submitted")
         sign_out()
 
@@ -150,10 +158,10 @@ def main():
         shot("approvals")
         link = driver.find_elements(By.XPATH, "//a[contains(@href,'/approve/%s/')]" % req)
         check(len(link) == 1, "the approver sees the requisition waiting")
-        link[0].click()
+        submit(link[0])
         shot("approve")
         fill("comments", "Fine by me")
-        driver.find_element(By.ID, "approve").click()
+        submit(driver.find_element(By.ID, "approve"))
         check("Approved." in body(), "approved")
         sign_out()
 
@@ -172,13 +180,13 @@ def main():
         line = driver.find_element(By.XPATH, "//input[starts-with(@name,'rq')]")
         line.clear()
         line.send_keys("2")
-        driver.find_element(By.ID, "receive").click()
+        submit(driver.find_element(By.ID, "receive"))
         errors = driver.find_elements(By.ID, "cartons-error")
         check(len(errors) == 1 and errors[0].text.strip() != "",
               "a bad carton count is refused next to its field")
         shot("receipt-refused")
         fill("cartons", "1")
-        driver.find_element(By.ID, "receive").click()
+        submit(driver.find_element(By.ID, "receive"))
         check("recorded" in body(), "the receipt is recorded")
         check(portal.query("SELECT COUNT(*) FROM receipts WHERE po_id = " + po) == 1,
               "exactly one receipt stored")
@@ -187,7 +195,7 @@ def main():
         # German: formats everywhere.
         go("/prefs")
         driver.find_element(By.XPATH, "//select[@name='locale']/option[@value='1031']").click()
-        driver.find_element(By.ID, "saveprefs").click()
+        submit(driver.find_element(By.ID, "saveprefs"))
         check(re.search(r"\d{1,2}\.\d{1,2}\.\d{4}", driver.find_element(By.ID, "prefdate").text),
               "German date on the preferences page")
         shot("preferences-german")
@@ -204,7 +212,7 @@ def main():
             "document.querySelectorAll('input[name=csrf]').forEach(e => e.remove());")
         form = driver.find_element(By.XPATH, "//form[contains(@action,'/add/fast')]")
         fill("part", "X", form)
-        form.find_element(By.TAG_NAME, "button").click()
+        submit(form.find_element(By.TAG_NAME, "button"))
         check("security token" in body(), "a form without its CSRF token is refused")
         shot("csrf-refused")
     finally:
