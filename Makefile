@@ -2,7 +2,8 @@
 # under the default, sanitizer and clang presets, and builds the example against the
 # installed tree.
 DEB_PACKAGES := g++ clang cmake ninja-build make pkg-config libgtest-dev libgmock-dev \
-                libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev
+                libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev \
+                libcpp-httplib-dev chromium chromium-driver python3-selenium
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 # Rebuilds are cheap where ccache is installed; nothing changes where it is not.
@@ -10,7 +11,7 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean mutants
+        bench clean mutants demo test-portal load
 
 all: build
 
@@ -64,7 +65,33 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-install test-asan test-clang
+test: test-default test-install test-asan test-clang test-portal
+
+# The portal: `make demo` serves it on a freshly seeded database (PORT= to move it).
+PORT ?= 8080
+PORTAL := build/default/apps/portal/kxportal
+SEED := build/default/reference/kxseed
+demo: build
+	rm -f build/demo.db
+	$(SEED) --db build/demo.db
+	@echo ""
+	@echo "Procurement portal on http://127.0.0.1:$(PORT)/  (Ctrl-C stops it)"
+	@echo "  requisitioner: u1_5 / u1_5-pw"
+	@echo "  approver:      u1_3 / u1_3-pw  (u1_5's manager)"
+	@echo ""
+	$(PORTAL) --db build/demo.db --port $(PORT)
+
+# Page tests in headless chromium (screenshots in build/portal-screens), then a short
+# load test; the system python, whose selenium Debian packages.
+test-portal: build
+	/usr/bin/python3 apps/portal/browser_test.py --build build/default --out build/portal-screens
+	rm -f build/portal-load.db && $(SEED) --db build/portal-load.db --users-per-borg 17 --parts 300 >/dev/null
+	build/default/apps/portal/kxportal_load --db build/portal-load.db --users 50 --seconds 10
+
+# The full load test: 50 signed-in users for 60 seconds.
+load: build
+	rm -f build/portal-load.db && $(SEED) --db build/portal-load.db --parts 300 >/dev/null
+	build/default/apps/portal/kxportal_load --db build/portal-load.db --users 50 --seconds 60
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done

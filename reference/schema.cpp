@@ -363,6 +363,23 @@ void add_organisation_reports(soci::session& sql, Backend) {
          "(5, 3, 'ToDate', 0, NULL), (6, 1, 'BorgID', 0, NULL)";
 }
 
+// The web portal's signed-in sessions, so that any portal process can serve any request:
+// the cookie's id is stored only as a hash; and failed sign-ins, counted for throttling.
+const char* const kPortalTables[] = {
+    "CREATE TABLE portal_sessions (sid_hash VARCHAR(64) PRIMARY KEY, "
+    "sys_user_id INTEGER NOT NULL REFERENCES users(sys_user_id), ebo_id INTEGER NOT NULL, "
+    "borg_id INTEGER NOT NULL, locale_id INTEGER NOT NULL, time_zone_id INTEGER NOT NULL, "
+    "currency_code VARCHAR(3) NOT NULL, csrf_token VARCHAR(64) NOT NULL, "
+    "display_name VARCHAR(100) NOT NULL, created VARCHAR(19) NOT NULL, expires VARCHAR(19) NOT NULL)",
+    "CREATE INDEX portal_sessions_user ON portal_sessions(sys_user_id)",
+    "CREATE TABLE portal_login_failures (login_key VARCHAR(200) NOT NULL, failed_at VARCHAR(19) NOT NULL)",
+    "CREATE INDEX portal_login_failures_key ON portal_login_failures(login_key, failed_at)",
+};
+
+void create_portal_tables(soci::session& sql, Backend backend) {
+  for (const char* statement : kPortalTables) sql << ddl(statement, backend);
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -372,6 +389,7 @@ const std::vector<Migration>& migrations() {
       {3, "order tables", create_order_tables},
       {4, "addresses, methods, attachments, reports", create_account_tables},
       {5, "organisation reports", add_organisation_reports},
+      {6, "portal sessions and sign-in throttling", create_portal_tables},
   };
   return all;
 }
