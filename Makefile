@@ -2,7 +2,8 @@
 # under the default, sanitizer and clang presets, and builds the example against the
 # installed tree.
 DEB_PACKAGES := g++ clang cmake ninja-build make pkg-config libgtest-dev libgmock-dev \
-                libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev
+                libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev \
+                libpq-dev postgresql-15
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 # Rebuilds are cheap where ccache is installed; nothing changes where it is not.
@@ -10,7 +11,7 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean mutants
+        bench clean mutants test-pg
 
 all: build
 
@@ -64,7 +65,13 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-install test-asan test-clang
+# The reference tier's tests once more, on a throwaway PostgreSQL cluster in build/pg that
+# is stopped whatever happens.
+test-pg: build
+	tools/pg_cluster.sh run build/pg -- \
+	  ctest --preset default -L '^reference_test$$' -j $(JOBS) --output-on-failure
+
+test: test-default test-pg test-install test-asan test-clang
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
