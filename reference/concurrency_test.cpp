@@ -195,6 +195,50 @@ TEST(Contention, ReadThenWriteChangesLoseNoUpdate) {
   EXPECT_EQ(total, std::to_string(2 * kEach));
 }
 
+// A change that read a value another connection changed before it wrote is not allowed
+// to decide on the stale value: it runs again, and once out of attempts it is reported
+// as busy, with nothing of it kept.
+TEST(Contention, AChangeOutOfAttemptsIsReportedAsBusy) {
+  if (!testing::on_postgres()) GTEST_SKIP() << "SQLite lets no second writer start";
+  auto f = make_fixture();
+  auto options = f->options();
+  options.conflict_attempts = 1;
+  auto first = Database::Open(f->url, options);
+  f->db->write([](soci::session& sql) {
+    sql << "INSERT INTO settings (app_name, section, name, value) VALUES ('T', 'S', 'n', '0')";
+  });
+  std::barrier read_done(2), other_done(2);
+  std::string failure;
+  int32_t number = 0;
+  std::thread slow([&] {
+    try {
+      first->write([&](soci::session& sql) {
+        std::string value;
+        sql << "SELECT value FROM settings WHERE app_name = 'T'", soci::into(value);
+        read_done.arrive_and_wait();
+        other_done.arrive_and_wait();
+        sql << "UPDATE settings SET value = 'stale' WHERE app_name = 'T'";
+      });
+    } catch (const Failure& e) {
+      number = e.number();
+      failure = e.description();
+    }
+  });
+  read_done.arrive_and_wait();
+  f->db->write([](soci::session& sql) {
+    sql << "UPDATE settings SET value = 'fresh' WHERE app_name = 'T'";
+  });
+  other_done.arrive_and_wait();
+  slow.join();
+  EXPECT_EQ(number, error_number(Refusal::kDatabaseBusy));
+  EXPECT_THAT(failure, ::testing::HasSubstr("busy with another change"));
+  std::string value;
+  f->db->read([&](soci::session& sql) {
+    sql << "SELECT value FROM settings WHERE app_name = 'T'", soci::into(value);
+  });
+  EXPECT_EQ(value, "fresh");
+}
+
 TEST(Contention, ALockHasOneHolderAcrossProcesses) {
   auto f = make_fixture();
   auto other = testing::other_process(*f);
