@@ -66,6 +66,7 @@ class ScratchDatabase {
     admin_ = parse_connection_string(server).connect;
     {
       soci::session admin("postgresql", admin_);
+      admin << "SET client_min_messages = warning";
       admin << "DROP SCHEMA IF EXISTS " + schema_ + " CASCADE";
       admin << "CREATE SCHEMA " + schema_;
     }
