@@ -3,7 +3,8 @@
 # installed tree.
 DEB_PACKAGES := g++ clang cmake ninja-build make pkg-config libgtest-dev libgmock-dev \
                 libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev \
-                libcpp-httplib-dev chromium chromium-driver python3-selenium
+                libcpp-httplib-dev chromium chromium-driver python3-selenium \
+                libpq-dev postgresql-15
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 # Rebuilds are cheap where ccache is installed; nothing changes where it is not.
@@ -11,7 +12,7 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean mutants demo test-portal load
+        bench clean mutants demo test-portal load test-pg
 
 all: build
 
@@ -65,7 +66,7 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-install test-asan test-clang test-portal
+test: test-default test-pg test-install test-portal test-asan test-clang
 
 # The portal: `make demo` serves it on a freshly seeded database (PORT= to move it).
 PORT ?= 8080
@@ -92,6 +93,12 @@ test-portal: build
 load: build
 	rm -f build/portal-load.db && $(SEED) --db build/portal-load.db --parts 300 >/dev/null
 	build/default/apps/portal/kxportal_load --db build/portal-load.db --users 50 --seconds 60
+# The reference tier's tests once more, on a throwaway PostgreSQL cluster in build/pg that
+# is stopped whatever happens.
+test-pg: build
+	tools/pg_cluster.sh run build/pg -- \
+	  ctest --preset default -L '^reference_test$$' -j $(JOBS) --output-on-failure
+
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done

@@ -26,7 +26,8 @@ function(kxui_tests dir)
   add_executable(${target} ${tests})
   target_link_libraries(${target} PRIVATE ${ARGN} GTest::gmock GTest::gtest_main)
   target_compile_options(${target} PRIVATE ${KXUI_WARNINGS})
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST)
+  # Labelled with the program, so one folder's tests can run alone (ctest -L).
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${target})
 endfunction()
 
 # kxui_bench(NAME SRC LIBS...)

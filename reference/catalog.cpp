@@ -239,7 +239,7 @@ RecordsetPtr RefCommodity::GetCommodityPath(const SessionPtr& session, int32_t c
                                           {"Level", Kind::kInt}};
     return db().read([&](soci::session& sql) {
       soci::rowset<soci::row> rows =
-          (sql.prepare << "WITH RECURSIVE path(id, depth) AS (SELECT :c, 0 UNION ALL SELECT "
+          (sql.prepare << "WITH RECURSIVE path(id, depth) AS (SELECT CAST(:c AS INTEGER), 0 UNION ALL SELECT "
                           "k.parent_id, p.depth + 1 FROM commodities k JOIN path p ON "
                           "k.commodity_id = p.id WHERE k.parent_id IS NOT NULL) SELECT "
                           "c.commodity_id, c.parent_id, c.code, c.name, (SELECT MAX(depth) FROM "

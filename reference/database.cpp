@@ -1,10 +1,14 @@
 #include "reference/database.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <map>
 #include <new>
+#include <random>
+#include <thread>
 
+#include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
 #include "reference/errors.h"
@@ -18,8 +22,8 @@ struct Database::Cache {
 
 namespace {
 
-constexpr std::string_view kSqlitePrefix = "sqlite3://";
-constexpr std::string_view kPostgresPrefix = "postgresql://";
+// Serialization failure and deadlock: the change lost to a concurrent one and may run again.
+bool is_conflict_state(std::string_view state) { return state == "40001" || state == "40P01"; }
 
 // SQLite's primary result codes that deserve their own text.
 constexpr int kSqliteBusy = 5, kSqliteLocked = 6, kSqliteReadOnly = 8, kSqliteCorrupt = 11,
@@ -48,7 +52,46 @@ constexpr int kSqliteBusy = 5, kSqliteLocked = 6, kSqliteReadOnly = 8, kSqliteCo
   }
 }
 
+[[noreturn]] void raise_postgres(const std::string& state, std::string_view what,
+                                 const std::string& detail) {
+  const std::string tail = " while " + std::string(what) + " (" + detail + ")";
+  const std::string_view cls = std::string_view(state).substr(0, 2);
+  if (is_conflict_state(state) || state == "55P03" || state == "57014") {
+    refuse(Refusal::kDatabaseBusy,
+           "The database is busy with another change; try again in a moment" + tail);
+  }
+  if (cls == "23") refuse(Refusal::kConstraint, "The change contradicts the stored data" + tail);
+  if (state == "25006") refuse(Refusal::kDatabaseReadOnly, "The database cannot be written to" + tail);
+  if (state == "42501") refuse(Refusal::kDatabaseReadOnly, "The database refuses the change" + tail);
+  if (state == "53100") refuse(Refusal::kDatabaseFull, "The disk holding the database is full" + tail);
+  if (state == "XX001" || state == "XX002") {
+    refuse(Refusal::kDatabaseCorrupt, "The database is damaged" + tail);
+  }
+  if (cls == "08" || cls == "57") {
+    refuse(Refusal::kDatabaseError, "The database cannot be reached" + tail);
+  }
+  refuse(Refusal::kDatabaseError, "The database failed" + tail);
+}
+
 }  // namespace
+
+ConnectionTarget parse_connection_string(const std::string& url) {
+  const std::string_view text = url;
+  for (std::string_view prefix : {"postgresql://", "postgres://"}) {
+    if (!text.starts_with(prefix)) continue;
+    const std::string_view rest = text.substr(prefix.size());
+    // "key=value" pairs go to libpq as they are; anything else is a URI libpq reads whole.
+    if (rest.find('=') != std::string_view::npos &&
+        rest.find_first_of("@/") > rest.find('=')) {
+      return {Backend::kPostgres, std::string(rest)};
+    }
+    return {Backend::kPostgres, url};
+  }
+  for (std::string_view prefix : {"sqlite3://", "sqlite://", "sqlite3:", "sqlite:"}) {
+    if (text.starts_with(prefix)) return {Backend::kSqlite, std::string(text.substr(prefix.size()))};
+  }
+  return {Backend::kSqlite, url};
+}
 
 void raise_database_error(std::string_view what) {
   try {
@@ -59,6 +102,8 @@ void raise_database_error(std::string_view what) {
     throw;  // the caller's out-of-memory report, not a database fault
   } catch (const soci::sqlite3_soci_error& e) {
     raise_sqlite(e.result(), what, e.get_error_message());
+  } catch (const soci::postgresql_soci_error& e) {
+    raise_postgres(e.sqlstate(), what, e.get_error_message());
   } catch (const soci::soci_error& e) {
     const std::string tail = " while " + std::string(what) + " (" + e.get_error_message() + ")";
     switch (e.get_error_category()) {
@@ -86,19 +131,13 @@ Database::~Database() {
 }
 
 std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions options) {
-  std::string_view rest = url;
-  Backend backend = Backend::kSqlite;
-  if (rest.starts_with(kPostgresPrefix)) {
-    backend = Backend::kPostgres;
-    rest.remove_prefix(kPostgresPrefix.size());
-  } else if (rest.starts_with(kSqlitePrefix)) {
-    rest.remove_prefix(kSqlitePrefix.size());
-  }
-  std::shared_ptr<Database> db(new Database(backend, std::move(options)));
+  const ConnectionTarget target = parse_connection_string(url);
+  const std::string& rest = target.connect;
+  std::shared_ptr<Database> db(new Database(target.backend, std::move(options)));
   std::lock_guard<std::recursive_mutex> guard(db->mutex_);
   try {
-    if (backend == Backend::kSqlite) {
-      db->sql_.open(soci::sqlite3, "db=\"" + std::string(rest) + "\" timeout=" +
+    if (target.backend == Backend::kSqlite) {
+      db->sql_.open(soci::sqlite3, "db=\"" + rest + "\" timeout=" +
                                        std::to_string(db->options_.busy_timeout_ms / 1000 + 1) +
                                        (db->options_.read_only ? " readonly=1" : ""));
       db->sql_ << "PRAGMA busy_timeout = " + std::to_string(db->options_.busy_timeout_ms);
@@ -106,9 +145,12 @@ std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions
       std::string mode;
       db->sql_ << "PRAGMA journal_mode = WAL", soci::into(mode);
     } else {
-      // Loaded by name when first used: building needs neither the PostgreSQL client
-      // headers nor its backend, and SQLite-only hosts never load them.
-      db->sql_.open("postgresql", std::string(rest));
+      db->sql_.open(soci::postgresql, rest);
+      // Quiet notices ("table exists, skipping") stay out of the client's stderr.
+      db->sql_ << "SET client_min_messages = warning";
+      if (db->options_.read_only) {
+        db->sql_ << "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
+      }
     }
   } catch (...) {
     raise_database_error("opening the database");
@@ -126,7 +168,10 @@ Date Database::now() const {
 }
 
 void Database::begin() {
-  sql_ << (backend_ == Backend::kSqlite ? "BEGIN IMMEDIATE" : "BEGIN");
+  // SQLite: the write lock from the start, so two changes never interleave. PostgreSQL:
+  // serializable, so a change that read what a concurrent one wrote fails at once
+  // (and runs again) instead of deciding on stale data.
+  sql_ << (backend_ == Backend::kSqlite ? "BEGIN IMMEDIATE" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
 }
 
 void Database::commit() { sql_ << "COMMIT"; }
@@ -139,6 +184,27 @@ void Database::rollback() noexcept {
   }
 }
 
+bool Database::retry_conflict(int attempt) noexcept {
+  if (backend_ != Backend::kPostgres || attempt >= options_.conflict_attempts) return false;
+  bool conflict = false;
+  try {
+    throw;
+  } catch (const soci::postgresql_soci_error& e) {
+    conflict = is_conflict_state(e.sqlstate());
+  } catch (const Failure& f) {
+    // A statement's error already turned into a business error inside the change.
+    conflict = f.number() == error_number(Refusal::kDatabaseBusy);
+  } catch (...) {
+  }
+  if (!conflict) return false;
+  // Randomized, growing pauses keep the colliding changes from meeting again.
+  thread_local std::minstd_rand random(std::random_device{}());
+  const int ceiling_ms = 1 << std::min(attempt, 6);
+  std::this_thread::sleep_for(std::chrono::microseconds(
+      std::uniform_int_distribution<int>(100, ceiling_ms * 1000)(random)));
+  return true;
+}
+
 int32_t Database::schema_version() {
   return read([](soci::session& sql) {
     int version = 0;
@@ -148,45 +214,84 @@ int32_t Database::schema_version() {
   });
 }
 
+std::vector<int32_t> Database::applied_versions() {
+  return read([](soci::session& sql) {
+    std::vector<int32_t> out;
+    soci::rowset<int> rows = (sql.prepare << "SELECT version FROM schema_version ORDER BY version");
+    for (int v : rows) out.push_back(v);
+    return out;
+  });
+}
+
 void Database::migrate() {
-  int32_t current = 0;
+  const std::vector<Migration>& all = options_.migrations ? *options_.migrations : migrations();
+  std::vector<int32_t> applied;
   bool has_table = true;
   try {
-    current = schema_version();
+    applied = applied_versions();
   } catch (const Failure& f) {
-    // A new file has no version table yet; any other failure (a damaged file) counts.
+    // A new database has no version table yet; any other failure (a damaged file) counts.
     if (f.number() != error_number(Refusal::kDatabaseError)) throw;
     has_table = false;
   }
-  const auto& all = migrations();
-  // An up-to-date database is opened without writing, so read-only files open too.
-  if (has_table && current >= all.back().version) {
-    if (current > all.back().version) {
-      refuse(Refusal::kSchemaTooNew, "The database was written by a newer program (schema " +
-                                         std::to_string(current) + ", this program knows " +
-                                         std::to_string(all.back().version) + ")");
-    }
+  const int32_t known = all.empty() ? 0 : all.back().version;
+  if (!applied.empty() && applied.back() > known) {
+    refuse(Refusal::kSchemaTooNew, "The database was written by a newer program (schema " +
+                                       std::to_string(applied.back()) +
+                                       ", this program knows " + std::to_string(known) + ")");
+  }
+  auto is_applied = [&](int32_t version) {
+    return std::binary_search(applied.begin(), applied.end(), version);
+  };
+  // Each version on its own: one missing below the highest applied (a migration merged
+  // from another line of work) is applied too. An up-to-date database is opened
+  // without writing, so read-only files open.
+  if (has_table && std::all_of(all.begin(), all.end(),
+                               [&](const Migration& m) { return is_applied(m.version); })) {
     return;
   }
-  write([&](soci::session& sql) {
-    sql << "CREATE TABLE IF NOT EXISTS schema_version (version INTEGER PRIMARY KEY, "
-           "name VARCHAR(100) NOT NULL, applied VARCHAR(19) NOT NULL)";
-  });
-  current = schema_version();
-  for (const Migration& m : all) {
-    if (m.version <= current) continue;
-    // Each step with its version row in one transaction: a failed step leaves the
-    // previous schema intact, and two programs opening at once apply it once.
+  // PostgreSQL: one program at a time migrates this schema; the others wait here and
+  // then find the versions recorded. SQLite's write lock does the same per step.
+  const bool postgres = backend_ == Backend::kPostgres;
+  if (postgres) {
+    try {
+      sql_ << "SELECT pg_advisory_lock(20531, hashtext(current_schema()))";
+    } catch (...) {
+      raise_database_error("waiting for another program's migration");
+    }
+  }
+  try {
     write([&](soci::session& sql) {
-      int done = 0;
-      sql << "SELECT COUNT(*) FROM schema_version WHERE version = :v", soci::use(m.version),
-          soci::into(done);
-      if (done > 0) return;
-      m.apply(sql, backend_);
-      const std::string applied = date_text(now()), name(m.name);
-      sql << "INSERT INTO schema_version (version, name, applied) VALUES (:v, :n, :a)",
-          soci::use(m.version), soci::use(name), soci::use(applied);
+      sql << "CREATE TABLE IF NOT EXISTS schema_version (version INTEGER PRIMARY KEY, "
+             "name VARCHAR(100) NOT NULL, applied VARCHAR(19) NOT NULL)";
     });
+    for (const Migration& m : all) {
+      if (is_applied(m.version)) continue;
+      // Each step with its version row in one transaction: a failed step leaves the
+      // previous schema intact, and a step another program applied meanwhile is skipped.
+      write([&](soci::session& sql) {
+        int done = 0;
+        sql << "SELECT COUNT(*) FROM schema_version WHERE version = :v", soci::use(m.version),
+            soci::into(done);
+        if (done > 0) return;
+        m.apply(sql, backend_);
+        const std::string applied_at = date_text(now()), name(m.name);
+        sql << "INSERT INTO schema_version (version, name, applied) VALUES (:v, :n, :a)",
+            soci::use(m.version), soci::use(name), soci::use(applied_at);
+      });
+    }
+  } catch (...) {
+    if (postgres) unlock_migrations();
+    throw;
+  }
+  if (postgres) unlock_migrations();
+}
+
+void Database::unlock_migrations() noexcept {
+  try {
+    sql_ << "SELECT pg_advisory_unlock(20531, hashtext(current_schema()))";
+  } catch (...) {
+    // The lock goes with the connection anyway.
   }
 }
 

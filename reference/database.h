@@ -1,6 +1,9 @@
 // Database: the reference tier's one connection, over SQLite or PostgreSQL through SOCI.
 // Opening applies the schema migrations; every change runs in one transaction that is
 // rolled back on any failure; database errors come out as Failures with a clear text.
+// Concurrent changes, from this process or another one on the same database, are
+// serialized by the database itself: SQLite takes its write lock when a change begins,
+// PostgreSQL runs changes serializable and replays one that lost a conflict.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reference/soci_include.h"
 
@@ -19,6 +23,7 @@
 namespace kxui::reference {
 
 enum class Backend { kSqlite, kPostgres };
+struct Migration;
 
 struct DatabaseOptions {
   // How long a requisition or order lock holds without being renewed.
@@ -29,13 +34,29 @@ struct DatabaseOptions {
   bool read_only = false;
   // The clock, in zone 15 (UTC); tests replace it to move time.
   std::function<Date()> clock;
+  // How often a PostgreSQL change that lost a serialization conflict is run again
+  // before it is reported as busy.
+  int32_t conflict_attempts = 30;
+  // The schema to bring the database to; null means the tier's own migrations().
+  const std::vector<Migration>* migrations = nullptr;
 };
+
+// Which backend a connection string names, and what is handed to it: "postgresql://..."
+// or "postgres://..." (a libpq URI, or "postgresql://" followed by "key=value" pairs)
+// opens PostgreSQL; "sqlite:<file>", "sqlite3://<file>" or a bare file name opens SQLite.
+struct ConnectionTarget {
+  Backend backend = Backend::kSqlite;
+  std::string connect;
+};
+ConnectionTarget parse_connection_string(const std::string& url);
 
 class Database {
  public:
-  // Opens "sqlite3://<file>" (or a bare file name) or "postgresql://<conninfo>", then
-  // brings the schema up to date. Throws Failure (busy, read-only, corrupt, a schema
-  // newer than this program, a connection refused) with a clear description.
+  // Opens the database a connection string names (see parse_connection_string), then
+  // brings the schema up to date: every migration not yet recorded is applied in its own
+  // transaction, once even when several programs open the database at the same time.
+  // Throws Failure (busy, read-only, corrupt, a schema newer than this program, a
+  // connection refused) with a clear description.
   static std::shared_ptr<Database> Open(const std::string& url, DatabaseOptions options = {});
 
   Backend backend() const { return backend_; }
@@ -46,7 +67,9 @@ class Database {
   int32_t schema_version();
 
   // Runs `fn(session)` alone on the connection and in one transaction: committed when it
-  // returns, rolled back when it throws. Database errors become Failures.
+  // returns, rolled back when it throws. Database errors become Failures. On PostgreSQL
+  // a change that collides with a concurrent one is rolled back and `fn` runs again, so
+  // `fn` must leave nothing outside the database changed except what it assigns.
   template <class Fn>
   auto write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
   // Runs `fn(session)` alone on the connection, outside a transaction of its own.
@@ -79,7 +102,11 @@ class Database {
   void begin();
   void commit();
   void rollback() noexcept;
+  // After a failed attempt (the exception in flight): whether to run the change again.
+  bool retry_conflict(int attempt) noexcept;
   void migrate();
+  void unlock_migrations() noexcept;
+  std::vector<int32_t> applied_versions();
   std::unique_ptr<PreparedState>& prepared_slot(const std::string& key);
 
   Backend backend_;
@@ -98,33 +125,35 @@ using DatabasePtr = std::shared_ptr<Database>;
 
 template <class Fn>
 auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
+  // The mutex keeps this one connection to one thread at a time; it orders nothing
+  // between connections, which is the database's job.
   std::lock_guard<std::recursive_mutex> guard(mutex_);
   if (depth_ > 0) return fn(sql_);
-  try {
-    begin();
-  } catch (...) {
-    raise_database_error("starting a change");
-  }
-  ++depth_;
-  try {
-    if constexpr (std::is_void_v<decltype(fn(sql_))>) {
-      fn(sql_);
-      --depth_;
-      commit();
-    } else {
-      auto result = fn(sql_);
-      --depth_;
-      commit();
-      return result;
+  for (int attempt = 1;; ++attempt) {
+    try {
+      begin();
+    } catch (...) {
+      raise_database_error("starting a change");
     }
-  } catch (const Failure&) {
-    depth_ = 0;
-    rollback();
-    throw;
-  } catch (...) {
-    depth_ = 0;
-    rollback();
-    raise_database_error("saving a change");
+    ++depth_;
+    try {
+      if constexpr (std::is_void_v<decltype(fn(sql_))>) {
+        fn(sql_);
+        --depth_;
+        commit();
+        return;
+      } else {
+        auto result = fn(sql_);
+        --depth_;
+        commit();
+        return result;
+      }
+    } catch (...) {
+      depth_ = 0;
+      rollback();
+      if (retry_conflict(attempt)) continue;
+      raise_database_error("saving a change");
+    }
   }
 }
 

@@ -67,6 +67,7 @@ void RefReconcileItem::SetInStockQty(double qty) { store("in_stock_qty", qty); }
 void RefReconcileItems::load(int32_t po_id, int32_t line_number) {
   std::vector<std::shared_ptr<RefReconcileItem>> items;
   db().write([&](soci::session& sql) {
+    items.clear();  // a change replayed after a conflict starts over
     load_order(sql, po_id);
     ensure_copy(sql, po_id);
     soci::rowset<soci::row> rows =

@@ -95,13 +95,22 @@ void take_lock(soci::session& sql, Database& db, const char* table, int32_t id,
   const std::string expires = date_text(
       Date::from_seconds(db.now().seconds() + int64_t{60} * db.options().lock_minutes));
   const int user = session.SysUserID(), sess = lock_holder(session);
-  // An expired lock of another session is simply taken over.
-  sql << "INSERT INTO " + std::string(table) + " (" + key_column(table) +
-             ", sys_user_id, session_id, expires) VALUES (:id, :u, :s, :e) ON CONFLICT (" +
-             key_column(table) +
-             ") DO UPDATE SET sys_user_id = excluded.sys_user_id, "
-             "session_id = excluded.session_id, expires = excluded.expires",
-      soci::use(id), soci::use(user), soci::use(sess), soci::use(expires);
+  const std::string now = date_text(db.now());
+  // An expired lock of another session is taken over, a live one never: the condition is
+  // part of the one statement, so a session that took the lock since the check above
+  // (another process) keeps it, and this statement changes nothing.
+  const std::string t(table);
+  soci::statement st =
+      (sql.prepare << "INSERT INTO " + t + " (" + key_column(table) +
+                          ", sys_user_id, session_id, expires) VALUES (:id, :u, :s, :e) "
+                          "ON CONFLICT (" + key_column(table) +
+                          ") DO UPDATE SET sys_user_id = excluded.sys_user_id, "
+                          "session_id = excluded.session_id, expires = excluded.expires WHERE " +
+                          t + ".expires <= :now OR (" + t + ".sys_user_id = excluded.sys_user_id AND " +
+                          t + ".session_id = excluded.session_id)",
+       soci::use(id), soci::use(user), soci::use(sess), soci::use(expires), soci::use(now));
+  st.execute(true);
+  if (st.get_affected_rows() == 0) require_not_locked_by_other(sql, db, table, id, session);
 }
 
 bool holds_lock(soci::session& sql, Database& db, const char* table, int32_t id,

@@ -11,8 +11,8 @@ namespace {
 
 TEST(Seed, SmallDataSetCoversEveryStatus) {
   testing::TempDir tmp;
-  const auto& dir = tmp.path;
-  auto db = Database::Open("sqlite3://" + (dir / "seed.db").string());
+  testing::ScratchDatabase scratch(tmp.path, "seed.db");
+  auto db = Database::Open(scratch.url());
   SeedOptions options;
   options.users_per_borg = 6;
   options.parts = 60;
@@ -57,7 +57,8 @@ TEST(Seed, SmallDataSetCoversEveryStatus) {
 // centres, and the simulated supplier answers for every part.
 TEST(Seed, OrderSideAnswersForEveryPart) {
   testing::TempDir tmp;
-  auto db = Database::Open("sqlite3://" + (tmp.path / "seed.db").string());
+  testing::ScratchDatabase scratch(tmp.path, "seed.db");
+  auto db = Database::Open(scratch.url());
   SeedOptions options;
   options.users_per_borg = 4;
   options.parts = 30;

@@ -1,9 +1,13 @@
-// For the reference tier's tests: a fresh database file with a small, known organisation,
+// For the reference tier's tests: a fresh database with a small, known organisation,
 // a runtime with the default services and the reference tier registered, and a clock the
-// test moves.
+// test moves. The database is a file by default; when KXREF_DB_URL names a PostgreSQL
+// server, every test gets a schema of its own there instead.
 #pragma once
 
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -39,6 +43,57 @@ struct TempDir {
   }
 };
 
+// The PostgreSQL server the tests run against, or "" for SQLite files.
+inline std::string server_url() {
+  const char* url = std::getenv("KXREF_DB_URL");
+  return url && parse_connection_string(url).backend == Backend::kPostgres ? url : "";
+}
+
+inline bool on_postgres() { return !server_url().empty(); }
+
+// A database of its own: `file` in `dir` on SQLite; on PostgreSQL a fresh schema that
+// every connection opened with url() works in, dropped with the object.
+class ScratchDatabase {
+ public:
+  ScratchDatabase(const std::filesystem::path& dir, const std::string& file) {
+    const std::string server = server_url();
+    if (server.empty()) {
+      url_ = "sqlite3://" + (dir / file).string();
+      return;
+    }
+    static std::atomic<int> counter{0};
+    schema_ = "kxt_" + std::to_string(::getpid()) + "_" + std::to_string(counter++);
+    admin_ = parse_connection_string(server).connect;
+    {
+      soci::session admin("postgresql", admin_);
+      admin << "SET client_min_messages = warning";
+      admin << "DROP SCHEMA IF EXISTS " + schema_ + " CASCADE";
+      admin << "CREATE SCHEMA " + schema_;
+    }
+    // libpq passes "options" to the server: every connection starts in the schema.
+    url_ = admin_ == server ? server + (server.find('?') == std::string::npos ? "?" : "&") +
+                                  "options=-csearch_path%3D" + schema_
+                            : "postgresql://" + admin_ + " options=-csearch_path=" + schema_;
+  }
+  ScratchDatabase(const ScratchDatabase&) = delete;
+  ScratchDatabase& operator=(const ScratchDatabase&) = delete;
+  ~ScratchDatabase() {
+    if (schema_.empty()) return;
+    try {
+      soci::session admin("postgresql", admin_);
+      admin << "SET client_min_messages = warning";
+      admin << "SET lock_timeout = '10s'";
+      admin << "DROP SCHEMA " + schema_ + " CASCADE";
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << "schema " << schema_ << " not dropped: " << e.what();
+    }
+  }
+  const std::string& url() const { return url_; }
+
+ private:
+  std::string url_, schema_, admin_;
+};
+
 // Who is who in the fixture's organisation "Acme" (USD, 10% tax): alice asks, bob is her
 // manager (limit 1,000), carol his (limit 100,000); dave approves ad hoc, erin stands in
 // for bob; frank works for "Berg" (EUR).
@@ -51,6 +106,7 @@ struct Ids {
 
 struct Fixture {
   std::filesystem::path dir;
+  std::unique_ptr<ScratchDatabase> scratch;
   std::string url;
   std::shared_ptr<int64_t> clock = std::make_shared<int64_t>(0);
   DatabasePtr db;
@@ -65,6 +121,7 @@ struct Fixture {
   ~Fixture() {
     runtime.reset();
     db.reset();
+    scratch.reset();
     std::error_code ec;
     std::filesystem::remove_all(dir, ec);
   }
@@ -145,7 +202,8 @@ inline void populate(Fixture& f) {
 inline std::unique_ptr<Fixture> make_fixture() {
   auto f = std::make_unique<Fixture>();
   f->dir = fresh_dir();
-  f->url = "sqlite3://" + (f->dir / "kx.db").string();
+  f->scratch = std::make_unique<ScratchDatabase>(f->dir, "kx.db");
+  f->url = f->scratch->url();
   *f->clock = Date::from_civil(2026, 3, 2, 9, 0, 0).seconds();
   f->db = Database::Open(f->url, f->options());
   populate(*f);
@@ -157,5 +215,25 @@ inline std::unique_ptr<Fixture> make_fixture() {
   Register(*f->runtime, f->db, ro);
   return f;
 }
+
+// Another program on the fixture's database: a connection and a runtime of its own,
+// sharing only the database (and the test's clock).
+struct OtherProcess {
+  DatabasePtr db;
+  std::shared_ptr<Runtime> runtime = std::make_shared<Runtime>();
+};
+
+inline OtherProcess other_process(const Fixture& f, DatabaseOptions options) {
+  OtherProcess p;
+  p.db = Database::Open(f.url, std::move(options));
+  services::ServiceOptions so;
+  so.ini_directory = f.dir;
+  services::RegisterDefaultServices(*p.runtime, so);
+  RegisterOptions ro;
+  ro.table_settings = true;
+  Register(*p.runtime, p.db, ro);
+  return p;
+}
+inline OtherProcess other_process(const Fixture& f) { return other_process(f, f.options()); }
 
 }  // namespace kxui::reference::testing
