@@ -217,6 +217,9 @@ void BM_Row_RawICU(benchmark::State& state) {
   static const auto columns = raw_icu_columns();
   rebuild_bench(state, columns);
 }
+// The row copy alone, without display columns: the floor under both.
+void BM_Row_CopyOnly(benchmark::State& state) { rebuild_bench(state, {}); }
+BENCHMARK(BM_Row_CopyOnly)->ArgName("distinct_days")->Arg(0)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Row_Library)->ArgName("distinct_days")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Row_RawICU)->ArgName("distinct_days")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
@@ -304,6 +307,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
     line("BM_Row_Library/distinct_days:1", "BM_Row_RawICU/distinct_days:1");
     line("BM_Money_CreatedPerValue", "BM_Money_RawICU");
     line("BM_CreateMoneyFormatter", nullptr);
+    line("BM_Row_CopyOnly/distinct_days:0", nullptr);
     line("BM_Row_RawICU/distinct_days:0", nullptr);
     line("BM_Row_RawICU/distinct_days:1", nullptr);
     line("BM_Money_RawICU", nullptr);

@@ -136,28 +136,37 @@ DayTextCache& day_texts() {
   return cache;
 }
 
-// A zone of the table, per thread, with the offset of the last span between two of its
-// transitions that was asked for: the dates of a list mostly fall in one such span.
+// A zone of the table, per thread, with the offsets of the last few spans between two of
+// its transitions that were asked for: a list's dates mostly fall in a handful of them.
 struct Zone {
+  struct Span {
+    int64_t begin = 0, end = 0;  // UTC milliseconds, end excluded
+    int64_t offset = 0;
+  };
   std::unique_ptr<icu::BasicTimeZone> icu;
-  int64_t span_begin = 0, span_end = 0;  // UTC milliseconds, end excluded
-  int64_t span_offset = 0;
+  std::array<Span, 8> spans;
+  size_t next = 0;  // the span replaced next
 
   int64_t offset_at(int64_t utc_ms, bool remember) {
-    if (remember && utc_ms >= span_begin && utc_ms < span_end) return span_offset;
+    if (remember) {
+      for (const Span& s : spans) {
+        if (utc_ms >= s.begin && utc_ms < s.end) return s.offset;
+      }
+    }
     UErrorCode status = U_ZERO_ERROR;
     int32_t raw = 0, dst = 0;
     icu->getOffset(static_cast<UDate>(utc_ms), false, raw, dst, status);
     detail::check(status, kSource, "time zone offset");
     if (remember) {
+      Span& s = spans[next++ % spans.size()];
       icu::TimeZoneTransition t;
-      span_begin = icu->getPreviousTransition(static_cast<UDate>(utc_ms), true, t)
-                       ? static_cast<int64_t>(t.getTime())
-                       : INT64_MIN;
-      span_end = icu->getNextTransition(static_cast<UDate>(utc_ms), false, t)
-                     ? static_cast<int64_t>(t.getTime())
-                     : INT64_MAX;
-      span_offset = int64_t{raw} + dst;
+      s.begin = icu->getPreviousTransition(static_cast<UDate>(utc_ms), true, t)
+                    ? static_cast<int64_t>(t.getTime())
+                    : INT64_MIN;
+      s.end = icu->getNextTransition(static_cast<UDate>(utc_ms), false, t)
+                  ? static_cast<int64_t>(t.getTime())
+                  : INT64_MAX;
+      s.offset = int64_t{raw} + dst;
     }
     return int64_t{raw} + dst;
   }

@@ -104,7 +104,10 @@ bool NumberLayout::learn_from(const icu::number::LocalizedNumberFormatter& f) {
   for (int d = 0; d < 10; ++d) {
     if (!print(f, d, p) || p.integer_end - p.integer_begin != 1) return false;
     digits_[d] = p.utf8(p.integer_begin, p.integer_end);
+    // Every digit the same length, so a text's size is known before it is written.
+    if (d > 0 && digits_[d].size() != digits_[0].size()) return false;
   }
+  digit_bytes_ = digits_[0].size();
   // Group sizes from a fifteen-digit integer: the last group, and the one before it.
   if (!print(f, 123456789012345.0, p)) return false;
   if (!p.groups.empty()) {
@@ -168,25 +171,42 @@ std::string NumberLayout::format(double value) const {
   int fraction = max_fraction_;
   while (fraction > min_fraction_ && digit_at(point + fraction - 1) == 0) --fraction;
 
-  std::string out;
-  out.reserve(32 + (point > 0 ? static_cast<size_t>(point) * 2 : 0));
+  // Written in place into a text sized for the longest outcome, then cut to length.
   const int sign = zero ? 0 : std::signbit(value);
-  out += prefix_[sign];
   const int integers = point > 0 ? point : 1;
   const bool grouped = primary_ > 0 && integers >= primary_ + min_grouping_;
+  const std::string& prefix = prefix_[sign];
+  const std::string& suffix = suffix_[sign];
+  std::string out;
+  out.resize(prefix.size() + suffix.size() + decimal_.size() +
+             static_cast<size_t>(integers + fraction) * (digit_bytes_ + group_.size()));
+  char* w = out.data();
+  auto put = [&w](const std::string& s) {
+    std::memcpy(w, s.data(), s.size());
+    w += s.size();
+  };
+  auto put_digit = [&](int d) {
+    if (digit_bytes_ == 1) {
+      *w++ = digits_[static_cast<size_t>(d)][0];
+    } else {
+      put(digits_[static_cast<size_t>(d)]);
+    }
+  };
+  put(prefix);
   for (int i = 0; i < integers; ++i) {
     const int left = integers - i;
     if (grouped && i > 0 &&
         (left == primary_ || (left > primary_ && (left - primary_) % secondary_ == 0))) {
-      out += group_;
+      put(group_);
     }
-    out += digits_[digit_at(point > 0 ? i : -1)];
+    put_digit(digit_at(point > 0 ? i : -1));
   }
   if (fraction > 0) {
-    out += decimal_;
-    for (int j = 0; j < fraction; ++j) out += digits_[digit_at(point + j)];
+    put(decimal_);
+    for (int j = 0; j < fraction; ++j) put_digit(digit_at(point + j));
   }
-  out += suffix_[sign];
+  put(suffix);
+  out.resize(static_cast<size_t>(w - out.data()));
   return out;
 }
 

@@ -27,6 +27,7 @@ class NumberLayout {
 
   std::string prefix_[2], suffix_[2];  // [0] positive (and zero), [1] negative
   std::array<std::string, 10> digits_;
+  size_t digit_bytes_ = 1;
   std::string group_, decimal_;
   int primary_ = 0, secondary_ = 0, min_grouping_ = 1;  // primary_ 0: no grouping
   int min_fraction_ = 0, max_fraction_ = 0;
