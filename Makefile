@@ -10,7 +10,7 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean mutants
+        bench clean mutants differential bench-smoke bench-release
 
 all: build
 
@@ -64,10 +64,25 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-install test-asan test-clang
+test: test-default test-install test-asan test-clang bench-smoke
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
+
+# The locale services' own number and date texts against ICU on 1.5 million random values
+# per test (make test draws 100,000).
+differential: build
+	KXUI_DIFFERENTIAL_VALUES=1500000 build/default/services/services_test --gtest_filter='DifferentialTest.*'
+
+# Every benchmark once with a short time, so none can rot (the figures mean nothing here).
+bench-smoke: build
+	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b --benchmark_min_time=0.001 >/dev/null || exit 1; done
+
+# The figures worth quoting: a Release build, repetitions, min and median.
+bench-release: deps
+	cmake --preset release $(LAUNCHER) >/dev/null
+	cmake --build --preset release -j $(JOBS)
+	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b --benchmark_repetitions=5; done
 
 # make mutants FILE=kxui/requisition/ui_req.cpp [ARGS="--max 40"]: mutation testing of one source.
 mutants:
