@@ -85,7 +85,8 @@ std::shared_ptr<T> query(ObjectPtr&& obj) {
     T* typed = nullptr;
   };
   thread_local Last last;
-  const std::type_info& type = typeid(*obj);
+  const Object& object = *obj;
+  const std::type_info& type = typeid(object);
   T* typed;
   if (obj.get() == last.object && type == *last.type) {
     typed = last.typed;
