@@ -27,6 +27,12 @@ function(kxui_tests dir)
   target_link_libraries(${target} PRIVATE ${ARGN} GTest::gmock GTest::gtest_main)
   target_compile_options(${target} PRIVATE ${KXUI_WARNINGS})
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST)
+  # The library's programs run a second time with every record set the test doubles
+  # build reading its rows on demand: both kinds must behave the same.
+  if(rel MATCHES "^kxui/" AND "kxui_testing" IN_LIST ARGN)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "on_demand."
+                         PROPERTIES ENVIRONMENT "KXUI_TEST_ROWS=on-demand")
+  endif()
 endfunction()
 
 # kxui_bench(NAME SRC LIBS...)
