@@ -1,13 +1,20 @@
 // UIReq.GetListPage over the reference tier: the first page and a middle page of one
 // user's 1,000 and 1,000,000 requisitions, with the default services formatting the
-// dates. The ratio between the sizes shows what the contract costs: the tier hands the
-// façade every row of the list, so the page's cost grows with the list.
+// dates. The tier hands over a record set that reads its rows on demand, so a page should
+// cost about the same whatever the length of the list; the ratios of the largest list to
+// the smallest, page by page, say how far it does. KXUI_BENCH_LIST_ROWS (say "100,2000")
+// replaces the sizes for a quick run.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -81,13 +88,61 @@ void BM_GetListPage(benchmark::State& state) {
   }
   state.counters["rows"] = rows;
 }
-BENCHMARK(BM_GetListPage)
-    ->Args({1000, 1})
-    ->Args({1000, 0})
-    ->Args({1000000, 1})
-    ->Args({1000000, 0})
-    ->Unit(benchmark::kMillisecond);
+
+std::vector<int64_t> list_sizes() {
+  std::vector<int64_t> sizes;
+  const char* env = std::getenv("KXUI_BENCH_LIST_ROWS");
+  std::stringstream in(env ? env : "1000,1000000");
+  std::string item;
+  while (std::getline(in, item, ',')) sizes.push_back(std::stoll(item));
+  std::sort(sizes.begin(), sizes.end());
+  return sizes;
+}
+
+// Console output, then each page's median cost on the largest list over the smallest.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const auto& run : runs) {
+      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
+      if (run.error_occurred) continue;
+      ms_[run.run_name.args] = run.GetAdjustedRealTime();
+    }
+  }
+  void Finalize() override {
+    ConsoleReporter::Finalize();
+    const auto sizes = list_sizes();
+    for (const char* page : {"1", "0"}) {
+      const auto small = ms_.find(std::to_string(sizes.front()) + "/" + page);
+      const auto large = ms_.find(std::to_string(sizes.back()) + "/" + page);
+      if (small == ms_.end() || large == ms_.end()) continue;
+      std::printf("%s page: %.3f ms over %lld rows, %.3f ms over %lld rows, ratio %.2f\n",
+                  page[0] == '1' ? "first" : "middle", small->second,
+                  static_cast<long long>(sizes.front()), large->second,
+                  static_cast<long long>(sizes.back()), large->second / small->second);
+    }
+  }
+
+ private:
+  std::map<std::string, double> ms_;  // "rows/page" -> median ms
+};
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  for (int64_t rows : list_sizes()) {
+    for (int64_t page : {1, 0}) {
+      benchmark::RegisterBenchmark("BM_GetListPage", BM_GetListPage)
+          ->Args({rows, page})
+          ->Repetitions(3)
+          ->Unit(benchmark::kMillisecond);
+    }
+  }
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  benchmark::Shutdown();
+  return 0;
+}

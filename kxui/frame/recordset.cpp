@@ -198,17 +198,14 @@ Variant* Recordset::fetched_row(int64_t r) const {
     return const_cast<Variant*>(before->cells.data()) +
            static_cast<size_t>(r - std::prev(next)->first) * width;
   }
-  // A block from r on, up to the next block read, twice as long as the one before when
-  // the cursor walks on from it; just before a block, the block that ends at r instead,
-  // for a cursor moving backwards.
-  int64_t first = r;
+  // A block from r on, twice as long as the one before when the cursor walks on from it;
+  // where the next block read or the last row comes first, the block reaches back from
+  // there instead (a cursor moving backwards reads a full block each time).
   int64_t want = kBlockRows;
   if (before && read_before == r) want = std::min<int64_t>(before->rows * 2, kMaxBlockRows);
   int64_t end = std::min(rows_, r + want);
-  if (next != blocks_.end()) {
-    end = std::min(end, next->first);
-    if (next->first == r + 1) first = std::max(read_before, r + 1 - kBlockRows);
-  }
+  if (next != blocks_.end()) end = std::min(end, next->first);
+  const int64_t first = std::max(read_before, std::min(r, end - want));
   const Block& block = read_block(first, end - first);
   return const_cast<Variant*>(block.cells.data()) + static_cast<size_t>(r - first) * width;
 }

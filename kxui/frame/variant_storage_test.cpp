@@ -142,6 +142,11 @@ TEST(VariantStorage, ObjectsAreSharedAndArraysCopied) {
   EXPECT_EQ(nested.array().at(0).array().at(0).get_string(), std::string(30, 'n'));
   EXPECT_EQ(copy.array().at(1).to_object(), obj);
   EXPECT_EQ(obj.use_count(), 3);
+
+  // A value taken from inside the Variant it replaces.
+  Variant outer(Array::of({std::string(30, 'i'), 2}));
+  outer = outer.array().at(0);
+  EXPECT_EQ(outer.get_string(), std::string(30, 'i'));
 }
 
 }  // namespace
