@@ -3,6 +3,7 @@
 // cursor walks.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -125,7 +126,7 @@ TEST(OnDemandList, SameRowsAsTheWholeListForEverySortAndFilter) {
       EXPECT_EQ(list->AbsolutePosition(), n > 0 ? 1 : adPosUnknown);
       // A middle page first, then backwards from the end, then everything forwards.
       std::vector<int32_t> walk;
-      for (int32_t p = n / 2; p < n / 2 + 20 && p <= n; ++p) walk.push_back(p);
+      for (int32_t p = std::max(1, n / 2); p < n / 2 + 20 && p <= n; ++p) walk.push_back(p);
       for (int32_t p = n; p > n - 30 && p > 0; --p) walk.push_back(p);
       for (int32_t p = 1; p <= n; ++p) walk.push_back(p);
       expect_same_rows(*list, *whole, walk);
