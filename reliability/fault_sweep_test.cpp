@@ -48,6 +48,7 @@ struct Totals {
   int operations = 0;
   int calling_out = 0;
   int covered = 0;
+  int clean_success = 0;  // success-path calls that end without any failure
   int64_t faults = 0;
   int64_t absorbed = 0;
   std::set<fault::Site> sites_reached;
@@ -137,6 +138,7 @@ TEST(FaultSweep, EveryCallOutOfEveryOperationFailsCleanly) {
         continue;
       }
       calls_out = true;
+      if (answer) t.clean_success += base.outcome.number == 0;
       t.sites_reached.insert(base.sites.begin(), base.sites.end());
       for (fault::Kind kind : fault::kAllKinds) ok = sweep_kind(op, w, base.outcome, kind, t) && ok;
     }
@@ -150,6 +152,8 @@ TEST(FaultSweep, EveryCallOutOfEveryOperationFailsCleanly) {
               "absorbed %lld\n",
               t.sites_reached.size(), t.sites_faulted.size(), static_cast<long long>(t.faults),
               static_cast<long long>(t.absorbed));
+  std::printf("fault sweep: %d operations run to the end without a failure on the success "
+              "path\n", t.clean_success);
   for (const auto& [member, n] : t.absorbed_by_member) {
     std::printf("  absorbed at %-40s %d\n", member.c_str(), n);
   }

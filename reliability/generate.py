@@ -187,6 +187,17 @@ ARG = {
     "Currency": "w.money",
     "const Array&": "w.array",
 }
+# Arguments chosen by parameter name, where the type alone would stop the operation
+# before it calls anything: record sets handed over in a Variant, the document type.
+BY_NAME = {
+    ("const Variant&", "p_rsAltItems"): "w.recordset_variant()",
+    ("ByRef<std::string>", "p_sDocType"): "w.doc_type",
+}
+# Operations that work on an object an earlier call selected.
+PRELUDE = {
+    ("UILangExt", "LoadString"): "ui.GetOptionResourceObject(w.session, w.text);",
+    ("UILangExt", "FormatMsgText"): "ui.GetOptionResourceObject(w.session, w.text);",
+}
 headers = sorted(root.glob("kxui/*/ui_*.h"))
 ops = []  # (class, op, header, call args) ; unknown types are reported
 unknown = set()
@@ -220,6 +231,9 @@ for path in headers:
                     args = None
                     break
                 name_of = drop_default(p).split()[-1]
+                if (t, name_of) in BY_NAME:
+                    args.append(BY_NAME[(t, name_of)])
+                    continue
                 args.append("w.out_variant" if t == "ByRef<Variant>" and name_of != "p_CustomData"
                             else ARG[t])
             if args is not None:
@@ -233,6 +247,8 @@ w("inline void add_operations(std::vector<Operation>& ops) {")
 for cls, op, _, args in ops:
     call = ", ".join(args)
     w(f'  ops.push_back(operation<{cls}>("{cls}", "{op}", [](World& w, {cls}& ui) {{')
+    if (cls, op) in PRELUDE:
+        w(f"    {PRELUDE[(cls, op)]}")
     w(f"    return ui.{op}({call});")
     w("  }));")
 w("}")

@@ -148,7 +148,7 @@ World::World() {
   provide_dispatch(*this, supplier::kRequestHeader);
   // Language resources are named after the caller's text argument ("1").
   provide<b::Resource>(*this, "103.Resource");
-  provide<b::Resource>(*this, "1.Resource");
+  provide<b::Resource>(*this, "1en_US03.Resource");
   services.ini->set("Page Size", "Paging", "Dunmere", "2");
 }
 
@@ -164,6 +164,7 @@ void World::reset_arguments() {
   out_recordset = nullptr;
   inout_variant = Variant(int32_t{1});
   out_variant = Variant::missing();
+  doc_type = "PO";
   array = Array::of({Variant(int32_t{1}), Variant("1")});
 }
 

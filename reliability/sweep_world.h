@@ -84,6 +84,7 @@ struct World {
   RecordsetPtr out_recordset;
   Variant inout_variant;
   Variant out_variant;  // by-reference Variants other than p_CustomData
+  std::string doc_type;
 
   // What Boolean members answer.
   bool answer_bool = true;
@@ -91,6 +92,7 @@ struct World {
   // operations' own "item not found" failures.
   std::vector<std::string> columns;
   RecordsetPtr recordset();
+  Variant recordset_variant() { return Variant(recordset()); }
 
   // Every object the doubles handed out, to check that a call released them.
   std::vector<std::weak_ptr<Object>> made;
