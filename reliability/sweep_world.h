@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -169,6 +170,7 @@ struct Outcome {
   std::string source;
   std::string description;
   std::string custom;       // p_CustomData after the call, described
+  bool not_called = false;  // building the arguments failed: the operation never ran
 };
 
 std::string describe(const Variant& v);
@@ -198,6 +200,14 @@ bool is_failure_value(const T& v) {
   }
 }
 
+// Called right before and right after the operation itself (not the sweep's own work
+// around it), for a sweep that watches only what the operation does.
+struct CallHooks {
+  void (*enter)() = nullptr;
+  void (*leave)() = nullptr;
+};
+inline CallHooks g_call_hooks;
+
 // One façade instance with one operation bound to it.
 class Instance {
  public:
@@ -222,14 +232,26 @@ class InstanceOf : public Instance {
     clear_error(ui_->Error());
     w.reset_arguments();
     Outcome o;
-    if constexpr (std::is_void_v<decltype(f_(w, *ui_))>) {
-      f_(w, *ui_);
-      o.result = "(nothing)";
-      o.failure_value = true;  // a Sub has no failure value to get wrong
-    } else {
-      auto r = f_(w, *ui_);
-      o.result = describe(r);
-      o.failure_value = is_failure_value(r);
+    // The operations are noexcept: anything caught here was thrown while the caller's
+    // arguments were being built, before the operation ran.
+    try {
+      if constexpr (std::is_void_v<decltype(f_(w, *ui_))>) {
+        if (g_call_hooks.enter) g_call_hooks.enter();
+        f_(w, *ui_);
+        if (g_call_hooks.leave) g_call_hooks.leave();
+        o.result = "(nothing)";
+        o.failure_value = true;  // a Sub has no failure value to get wrong
+      } else {
+        if (g_call_hooks.enter) g_call_hooks.enter();
+        auto r = f_(w, *ui_);
+        if (g_call_hooks.leave) g_call_hooks.leave();
+        o.result = describe(r);
+        o.failure_value = is_failure_value(r);
+      }
+    } catch (const std::bad_alloc&) {
+      if (g_call_hooks.leave) g_call_hooks.leave();
+      o.not_called = true;
+      return o;
     }
     if constexpr (requires { ui_->Success(); }) o.success = ui_->Success();
     ErrorInfoPtr e = ui_->Error();
