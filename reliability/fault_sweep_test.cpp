@@ -66,6 +66,8 @@ bool sweep_kind(const Operation& op, World& w, const Outcome& baseline, fault::K
   for (int64_t n = 1;; ++n) {
     auto inst = op.make(w);
     const std::string custom_before = describe(Variant("custom data"));
+    w.reset_arguments();
+    const std::string baseline_outs_before = w.describe_outs();
     fault::arm(n, kind);
     Outcome o = inst->call(w);
     fault::disarm();
@@ -92,11 +94,13 @@ bool sweep_kind(const Operation& op, World& w, const Outcome& baseline, fault::K
       const bool failure_value = rule.result ? o.result == rule.result
                                              : rule.keeps_result || o.failure_value;
       const bool custom_kept = rule.writes_custom || o.custom == custom_before;
-      if (!failure_value || !recorded || o.success.value_or(false) || !custom_kept) {
+      const bool outs_kept = rule.writes_outs || o.outs == baseline_outs_before;
+      if (!failure_value || !recorded || o.success.value_or(false) || !custom_kept ||
+          !outs_kept) {
         ADD_FAILURE() << at << ": returned " << o.result << ", Error " << o.number << " from \""
                       << o.source << "\" (" << o.description << "), Success "
                       << (o.success ? describe(*o.success) : "-") << ", p_CustomData "
-                      << o.custom << "; expected the failure value, Error " << number_of(kind)
+                      << o.custom << ", other arguments " << o.outs << "; expected the failure value, Error " << number_of(kind)
                       << " from \"" << source_of(op, kind) << "\"";
         return false;
       }

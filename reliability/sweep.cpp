@@ -46,7 +46,12 @@ const Rule& rule_of(const Operation& op) {
       {"UIReq::SubmitReq", {.source = "Requisition::SubmitReq"}},
       {"UIWF::GetHeaderRs", {.source = "UIReq::GetHeaderRs"}},
       {"UIWF::BuildDataStructure",
-       {.source = "Workflow::BuildDataStructure", .writes_custom = true}},
+       {.source = "Workflow::BuildDataStructure", .writes_custom = true, .writes_outs = true}},
+      // Out-arguments written one by one keep what they got before the failure.
+      {"UIPO::GetLogPurchaseOrder", {.writes_outs = true}},
+      {"UIPO::GetPOHeaderInfo", {.writes_outs = true}},
+      {"UIWF::GetBorgDelegationData", {.writes_outs = true}},
+      {"UICom::GetUserTimeZone", {.writes_outs = true}},  // the zone is set to 0
       // The address layout reports any failure of its own under its name.
       {"UICom::GetBillToData", {.component = "UIReq::FormatAddress"}},
       {"UICom::GetShipToData", {.component = "UIReq::FormatAddress"}},

@@ -28,6 +28,7 @@ struct Rule {
   const char* result = nullptr;      // the failure value, described, when not the type's
   bool keeps_result = false;         // returns what it had obtained before the failure
   bool writes_custom = false;        // puts a message of its own in p_CustomData
+  bool writes_outs = false;          // out-arguments keep what was written before a failure
   const char* nested = nullptr;      // an inner operation that records and carries on
 };
 const Rule& rule_of(const Operation& op);

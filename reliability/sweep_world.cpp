@@ -168,6 +168,11 @@ void World::reset_arguments() {
   array = Array::of({Variant(int32_t{1}), Variant("1")});
 }
 
+std::string World::describe_outs() const {
+  return describe(out_text) + "|" + std::to_string(out_number) + "|" + std::to_string(out_short) +
+         "|" + describe(out_recordset) + "|" + describe(out_variant);
+}
+
 RecordsetPtr World::recordset() {
   auto rs = std::make_shared<Recordset>();
   for (const std::string& c : columns) rs->GetFields().Append(c, adVariant);

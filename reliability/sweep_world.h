@@ -87,6 +87,9 @@ struct World {
   Variant out_variant;  // by-reference Variants other than p_CustomData
   std::string doc_type;
 
+  // The by-reference arguments other than p_CustomData, described.
+  std::string describe_outs() const;
+
   // What Boolean members answer.
   bool answer_bool = true;
   // Columns of the record sets the fakes answer with; the sweep learns them from the
@@ -171,6 +174,7 @@ struct Outcome {
   std::string description;
   std::string custom;       // p_CustomData after the call, described
   bool not_called = false;  // building the arguments failed: the operation never ran
+  std::string outs;         // the other by-reference arguments after the call, described
 };
 
 std::string describe(const Variant& v);
@@ -259,6 +263,7 @@ class InstanceOf : public Instance {
     o.source = e->Source();
     o.description = e->Description();
     o.custom = describe(w.custom);
+    o.outs = w.describe_outs();
     return o;
   }
 
