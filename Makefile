@@ -61,7 +61,8 @@ TSAN_TESTS := kxui/kxui_frame_test services/services_test
 test-tsan: deps
 	cmake --preset tsan $(LAUNCHER) >/dev/null
 	cmake --build --preset tsan -j $(JOBS) --target $(notdir $(TSAN_TESTS))
-	@for t in $(TSAN_TESTS); do build/tsan/$$t --gtest_filter='*Threads*' || exit 1; done
+	@for t in $(TSAN_TESTS); do \
+	  (cd build/tsan/$$(dirname $$t) && ./$$(basename $$t) --gtest_filter='*Threads*') || exit 1; done
 
 test-clang: deps
 	cmake --preset clang $(LAUNCHER) >/dev/null
