@@ -5,6 +5,8 @@ DEB_PACKAGES := g++ clang cmake ninja-build make pkg-config libgtest-dev libgmoc
                 libbenchmark-dev libicu-dev libsqlite3-dev libsoci-dev libsodium-dev \
                 libcpp-httplib-dev chromium chromium-driver python3-selenium \
                 libpq-dev postgresql-15
+# The sweeps generate their tables with python3; fuzzing needs clang's runtime; coverage gcovr.
+DEB_PACKAGES += python3 libclang-rt-14-dev gcovr
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 # Rebuilds are cheap where ccache is installed; nothing changes where it is not.
@@ -13,7 +15,8 @@ INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
         bench clean mutants demo test-portal load test-pg \
-        differential bench-smoke bench-release
+        differential bench-smoke bench-release \
+        fuzz fuzz-build test-fuzz coverage
 
 all: build
 
@@ -57,17 +60,20 @@ test-asan: deps
 	cmake --build --preset asan -j $(JOBS)
 	ctest --preset asan -j $(JOBS)
 
+# ThreadSanitizer on the tests that start threads; only their programs are built.
+TSAN_TESTS := kxui/kxui_frame_test services/services_test
 test-tsan: deps
 	cmake --preset tsan $(LAUNCHER) >/dev/null
-	cmake --build --preset tsan -j $(JOBS)
-	ctest --preset tsan -j $(JOBS)
+	cmake --build --preset tsan -j $(JOBS) --target $(notdir $(TSAN_TESTS))
+	@for t in $(TSAN_TESTS); do \
+	  (cd build/tsan/$$(dirname $$t) && ./$$(basename $$t) --gtest_filter='*Threads*') || exit 1; done
 
 test-clang: deps
 	cmake --preset clang $(LAUNCHER) >/dev/null
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-pg test-install test-portal test-asan test-clang bench-smoke
+test: test-default test-pg test-install test-portal test-asan test-clang test-tsan test-fuzz bench-smoke
 
 # The portal: `make demo` serves it on a freshly seeded database (PORT= to move it).
 PORT ?= 8080
@@ -124,6 +130,46 @@ bench-release: deps
 mutants:
 	@test -n "$(FILE)" || { echo "usage: make mutants FILE=path/to/source.cpp [ARGS='--max N --list']"; exit 2; }
 	python3 tools/mutants.py $(FILE) $(ARGS)
+
+# libFuzzer targets (fuzz/), each run for FUZZ_SECONDS from its seed corpus in
+# fuzz/corpus/<name>; what a run discovers is kept in build/fuzz/corpus. Any crash,
+# sanitizer report or broken invariant fails the target (the input is left in build/fuzz).
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS := $(patsubst fuzz/%_fuzz.cpp,%,$(wildcard fuzz/*_fuzz.cpp))
+fuzz-build: deps
+	cmake --preset fuzz $(LAUNCHER) >/dev/null
+	cmake --build --preset fuzz -j $(JOBS) --target fuzz_targets
+
+fuzz: fuzz-build
+	@for t in $(FUZZ_TARGETS); do \
+	  mkdir -p build/fuzz/corpus/$$t build/fuzz/findings; \
+	  build/fuzz/fuzz/$${t}_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+	    -artifact_prefix=build/fuzz/findings/$$t- build/fuzz/corpus/$$t fuzz/corpus/$$t \
+	    > build/fuzz/$$t.log 2>&1 || { tail -60 build/fuzz/$$t.log; echo "FUZZ FINDING in $$t"; exit 1; }; \
+	  printf '%-16s %s executions\n' $$t \
+	    "$$(sed -n 's/^stat::number_of_executed_units: *//p' build/fuzz/$$t.log)"; \
+	done
+
+test-fuzz:
+	$(MAKE) fuzz FUZZ_SECONDS=10
+
+# Line and branch coverage of kxui/ and services/ from the test suite (gcc --coverage),
+# HTML under build/coverage/index.html.
+coverage: deps
+	cmake -S . -B build/coverage -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKXUI_BUILD_BENCH=OFF \
+	  -DCMAKE_CXX_FLAGS="--coverage -O0" -DCMAKE_EXE_LINKER_FLAGS=--coverage \
+	  -DCMAKE_SHARED_LINKER_FLAGS=--coverage $(LAUNCHER) >/dev/null
+	tests=$$(ninja -C build/coverage -t targets all | sed -n 's/^\(\(kxui\|services\|reliability\)[a-z_]*_test\):.*/\1/p'); \
+	  cmake --build build/coverage -j $(JOBS) --target $$tests && \
+	  find build/coverage -name '*.gcda' -delete && \
+	  for t in $$tests; do b=$$(find build/coverage -type f -name $$t); \
+	    (cd $$(dirname $$b) && ./$$t >/dev/null) || exit 1; done
+	mkdir -p build/coverage/html
+	gcovr -r . build/coverage --filter 'kxui/' --filter 'services/' \
+	  --exclude '.*_test\.cpp' --exclude 'kxui/testing/' --exclude-throw-branches \
+	  --html-details build/coverage/html/index.html --print-summary
+	gcovr -r . build/coverage --filter 'kxui/frame/' --exclude '.*_test\.cpp' \
+	  --exclude-throw-branches --print-summary -o /dev/null
 
 clean:
 	rm -rf build

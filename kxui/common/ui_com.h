@@ -176,11 +176,12 @@ class UICom : public Facade {
   template <class T, class Call>
   bool filled_list(std::string_view source, std::string_view progid, RecordsetPtr& out,
                    Call&& call) noexcept;
-  // A business list rendered as options into `ret_val`.
-  template <class T, class Call>
+  // A business list rendered as options into `ret_val`. The selection matcher is built
+  // by `key_of` inside the failure handler: building it allocates, and an allocation
+  // failure before the handler would end the process.
+  template <class T, class KeyOf, class Call>
   bool option_list(std::string_view source, std::string_view progid, std::string& ret_val,
-                   const detail::OptionList& list, const detail::KeyMatch& matches,
-                   Call&& call) noexcept;
+                   const detail::OptionList& list, KeyOf&& key_of, Call&& call) noexcept;
   // One-row address record of a loaded bill-to or ship-to object.
   template <class T>
   RecordsetPtr address_data(std::string_view source, std::string_view progid,

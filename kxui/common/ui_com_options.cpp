@@ -21,15 +21,14 @@ constexpr OptionList kSuppliers{OptionForm::kUnquoted, "SupplierID", "Name", {},
 constexpr OptionList kUnits{OptionForm::kQuoted, "UOMID", "UOMID", "VeltrixDesc", {"UOMID"}};
 }  // namespace
 
-template <class T, class Call>
+template <class T, class KeyOf, class Call>
 bool UICom::option_list(std::string_view source, std::string_view progid, std::string& ret_val,
-                        const OptionList& list, const detail::KeyMatch& matches,
-                        Call&& call) noexcept {
+                        const OptionList& list, KeyOf&& key_of, Call&& call) noexcept {
   return guarded(source, false, [&] {
     auto obj = create<T>(progid);
     RecordsetPtr rs = call(*obj);
     check(obj, obj->Success());
-    ret_val = build_option_list(require(rs), list, matches);
+    ret_val = build_option_list(require(rs), list, key_of());
     return true;
   });
 }
@@ -39,7 +38,7 @@ bool UICom::GetCommodityList2(const SessionPtr& p_Session, ByRef<std::string> p_
   // Unlike GetCommodityList, the unknown commodity is offered too.
   return option_list<business::Commodity>(
       "UICom::GetCommodityList2", progid::Commodity, *p_RetVal, kCommodities,
-      detail::text_key(p_Selected),
+      [&] { return detail::text_key(p_Selected); },
       [&](auto& o) { return o.GetChildren(p_Session, 0, 3, 3, true, true, 0, *p_CustomData); });
 }
 
@@ -47,7 +46,7 @@ bool UICom::GetCurrencyList2(const SessionPtr& p_Session, ByRef<std::string> p_R
                              const std::string& p_Selected, ByRef<Variant> p_CustomData) noexcept {
   return option_list<business::CurrencyCodes>(
       "UICom::GetCurrencyList2", progid::CurrencyCodes, *p_RetVal, kCurrencies,
-      detail::text_key(p_Selected),
+      [&] { return detail::text_key(p_Selected); },
       [&](auto& o) { return o.GetCurrencyList(p_Session, *p_CustomData); });
 }
 
@@ -56,21 +55,22 @@ bool UICom::GetCurrencyListByBorg(const SessionPtr& p_Session, ByRef<std::string
                                   ByRef<Variant> p_CustomData) noexcept {
   return option_list<business::CurrencyCodes>(
       "UICom::GetCurrencyListByBorg", progid::CurrencyCodes, *p_RetVal, kBorgCurrencies,
-      detail::text_key(p_Selected),
+      [&] { return detail::text_key(p_Selected); },
       [&](auto& o) { return o.GetCurrencyListByBorg(p_Session, *p_CustomData); });
 }
 
 bool UICom::GetMfrList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                         const std::string& p_Selected, ByRef<Variant> p_CustomData) noexcept {
   return option_list<business::Mfr>(
-      "UICom::GetMfrList2", progid::Mfr, *p_RetVal, kMfrs, detail::text_key(p_Selected),
+      "UICom::GetMfrList2", progid::Mfr, *p_RetVal, kMfrs,
+      [&] { return detail::text_key(p_Selected); },
       [&](auto& o) { return o.GetMfrList(p_Session, *p_CustomData); });
 }
 
 bool UICom::GetSupplierList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                              int32_t p_Selected, ByRef<Variant> p_CustomData) noexcept {
   return option_list<business::Borg>("UICom::GetSupplierList2", progid::Borg, *p_RetVal, kSuppliers,
-                                     detail::number_key(p_Selected), [&](auto& o) {
+                                     [&] { return detail::number_key(p_Selected); }, [&](auto& o) {
                                        return o.GetSupplierList(p_Session, *p_CustomData);
                                      });
 }
@@ -78,7 +78,8 @@ bool UICom::GetSupplierList2(const SessionPtr& p_Session, ByRef<std::string> p_R
 bool UICom::GetUOMList2(const SessionPtr& p_Session, ByRef<std::string> p_RetVal,
                         const std::string& p_Selected, ByRef<Variant> p_CustomData) noexcept {
   return option_list<business::UOM>(
-      "UICom::GetUOMList2", progid::UOM, *p_RetVal, kUnits, detail::text_key(p_Selected),
+      "UICom::GetUOMList2", progid::UOM, *p_RetVal, kUnits,
+      [&] { return detail::text_key(p_Selected); },
       [&](auto& o) { return o.GetUOMDescList(p_Session, *p_CustomData); });
 }
 

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
 #include "kxui/frame/byref.h"
 #include "kxui/frame/session.h"
 #include "kxui/testing/test_runtime.h"
@@ -116,6 +121,35 @@ TEST(Runtime, DispatchByNameAndIdWritesBackArguments) {
   EXPECT_EQ(args[1].to_int32(), 5);
   EXPECT_EQ(counter->Invoke(1, {}).to_int32(), 5);
   EXPECT_FAILURE(438, counter->InvokeByName("Subtract", {}));
+}
+
+// The process runtime is shared by every page's thread: creations run while other
+// threads register and unregister, and each sees either a creator or 429, never a torn map.
+TEST(RuntimeThreads, ConcurrentCreatesAndRegistrations) {
+  Runtime rt;
+  rt.Register("Stable", [] { return std::make_shared<Thing>(); });
+  std::atomic<int> created{0}, missing{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      const std::string own = "Own" + std::to_string(t);
+      for (int i = 0; i < 500; ++i) {
+        rt.Register(own, [] { return std::make_shared<Thing>(); });
+        if (rt.Create("Stable")) ++created;
+        try {
+          rt.Create("Own" + std::to_string((t + 1) % 4));
+        } catch (const Failure& f) {
+          EXPECT_EQ(f.number(), err::kCannotCreateObject);
+          ++missing;
+        }
+        rt.Unregister(own);
+      }
+    });
+  }
+  for (auto& th : threads) th.join();
+  EXPECT_EQ(created.load(), 2000);
+  EXPECT_FALSE(rt.IsRegistered("Own0"));
+  EXPECT_TRUE(rt.IsRegistered("Stable"));
 }
 
 TEST(ByRef, BindsToTheCallersVariableOrToAPrivateDefault) {

@@ -3,12 +3,14 @@
 #include <cstdio>
 
 #include "kxui/business/progids.h"
+#include "kxui/testing/fault_injection.h"
 #include "kxui/testing/row_sources.h"
 
 namespace kxui::testing {
 
 bool FakeAppIni::ReadValue(const SessionPtr&, const std::string& name, const std::string& section,
                            const std::string& app_name, Variant&) {
+  fault::point("AppIni::ReadValue");
   reads.push_back(name);
   auto it = values.find({name, section, app_name});
   if (it == values.end()) {
@@ -19,25 +21,32 @@ bool FakeAppIni::ReadValue(const SessionPtr&, const std::string& name, const std
   return true;
 }
 
-RecordsetPtr FakeAppIni::GetSettingsList(const SessionPtr&, Variant&) { return settings_list; }
+RecordsetPtr FakeAppIni::GetSettingsList(const SessionPtr&, Variant&) {
+  fault::point("AppIni::GetSettingsList");
+  return settings_list;
+}
 
 std::string FakeDateFormatter::FormatDateValue(int32_t locale_id, int32_t style, Date date) {
+  fault::point("DateFormatter::FormatDateValue");
   ++formats;
   return std::to_string(locale_id) + "/" + std::to_string(style) + "/" + Variant(date).to_string();
 }
 
 Date FakeDateFormatter::ConvertTimeZone(int32_t from_zone, Date date, int32_t to_zone) {
+  fault::point("DateFormatter::ConvertTimeZone");
   ++conversions;
   return Date::from_seconds(date.seconds() + int64_t{to_zone - from_zone} * 3600);
 }
 
 std::string FakeCurrencyFormatter::FormatAmount(int32_t locale_id, double amount) {
+  fault::point("CurrencyFormatter::FormatAmount");
   return Variant(amount).to_string() + "@" + std::to_string(locale_id);
 }
 
 std::string FakeCurrencyFormatter::FormatCurrencyAmount(int32_t locale_id,
                                                         const std::string& currency_code,
                                                         double amount) {
+  fault::point("CurrencyFormatter::FormatCurrencyAmount");
   char buf[64];
   std::snprintf(buf, sizeof buf, "%.2f", amount);
   return currency_code + " " + buf + "@" + std::to_string(locale_id);
@@ -45,6 +54,7 @@ std::string FakeCurrencyFormatter::FormatCurrencyAmount(int32_t locale_id,
 
 bool FakeCurrencyFormatter::ParseNumber(int32_t locale_id, const std::string& text,
                                         double& number) {
+  fault::point("CurrencyFormatter::ParseNumber");
   parsed.push_back(text);
   std::string t = conv::trim(text);
   if (t.empty()) return false;
@@ -72,6 +82,7 @@ bool FakeCurrencyFormatter::ParseNumber(int32_t locale_id, const std::string& te
 
 std::array<std::string, AddressFormatter::kLines> FakeAddressFormatter::FormatAddressLines(
     int32_t, const AddressParts& p) {
+  fault::point("AddressFormatter::FormatAddressLines");
   return {p.line1, p.line2, p.line3, p.line4, p.line5, p.city, p.state, p.postal_code,
           p.country_code, "", "", "", ""};
 }

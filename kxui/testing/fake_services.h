@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "kxui/frame/services.h"
+#include "kxui/testing/fault_injection.h"
 #include "kxui/testing/test_runtime.h"
 
 namespace kxui::testing {
@@ -23,9 +24,15 @@ class FakeAppIni : public AppIni, public FakeBusinessObject {
   ErrorInfoPtr GetError() override { return FakeBusinessObject::GetError(); }
   bool ReadValue(const SessionPtr& session, const std::string& name, const std::string& section,
                  const std::string& app_name, Variant& custom_data) override;
-  std::string GetValue() override { return value_; }
+  std::string GetValue() override {
+    fault::point("AppIni::GetValue");
+    return value_;
+  }
   RecordsetPtr GetSettingsList(const SessionPtr& session, Variant& custom_data) override;
-  bool Success() override { return success; }
+  bool Success() override {
+    fault::point("AppIni::Success");
+    return success;
+  }
 
   void set(const std::string& name, const std::string& section, const std::string& app,
            std::string value) {

@@ -2,6 +2,7 @@
 
 #include "kxui/business/progids.h"
 #include "kxui/frame/facade.h"
+#include "kxui/testing/fault_injection.h"
 
 namespace kxui::testing {
 
@@ -19,14 +20,22 @@ void RecordingErrorInfo::SetSource(std::string s) {
 }
 std::string RecordingErrorInfo::GetMessageText(const SessionPtr&, int32_t message_number,
                                                const std::string& english, const Array& params) {
+  fault::point("KxError::GetMessageText");
   message_numbers_asked.push_back(message_number);
   params_count_asked = static_cast<int32_t>(params.size());
   return translation.empty() ? english : translation;
 }
 
-void RecordingLog::SetEventType(int32_t t) { type = t; }
-void RecordingLog::SetMessage(std::string text) { message = std::move(text); }
+void RecordingLog::SetEventType(int32_t t) {
+  fault::point("NTLog::SetEventType");
+  type = t;
+}
+void RecordingLog::SetMessage(std::string text) {
+  fault::point("NTLog::SetMessage");
+  message = std::move(text);
+}
 void RecordingLog::WriteEntry() {
+  fault::point("NTLog::WriteEntry");
   if (throw_on_write) throw Failure(5, "NTLog", "log unavailable");
   written.push_back({type, message});
 }
@@ -49,6 +58,7 @@ class RecordingFactory : public ClassFactory {
     auto env = env_.lock();
     if (!env) fail(err::kCannotCreateObject, progid);
     EXPECT_EQ(reserved, 0) << "the factory's second argument is always 0";
+    fault::point("ClassFactory::CreateObjectByProgID");
     env->created.push_back("factory:" + progid);
     env->in_factory = true;
     try {
@@ -80,6 +90,7 @@ std::shared_ptr<TestEnv> TestEnv::make() {
     return info;
   });
   env->runtime->Register(progid::NTLog, [weak]() -> ObjectPtr {
+    fault::point("create NTLog");
     auto e = weak.lock();
     return e ? e->log : nullptr;
   });
@@ -94,6 +105,7 @@ void TestEnv::provide_fn(std::string_view name, std::function<ObjectPtr()> make)
   std::string key(name);
   // `this` outlives the registration: the runtime belongs to the env.
   runtime->Register(name, [this, key, make = std::move(make)]() -> ObjectPtr {
+    fault::point(key.c_str());
     if (!in_factory) created.push_back("direct:" + key);
     return make();
   });
