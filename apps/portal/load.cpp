@@ -90,6 +90,9 @@ class Browser {
     return send([&] { return client_->Post(path, h, p); }, true);
   }
 
+  // Whether the last request was a POST cut off by the kill (counted apart, not an error).
+  bool cut_off() const { return cut_off_; }
+
  private:
   void connect() {
     client_ = std::make_unique<httplib::Client>(targets_[at_].host, targets_[at_].port);
@@ -97,12 +100,14 @@ class Browser {
   }
   template <class Fn>
   httplib::Result send(Fn fn, bool is_post) {
+    cut_off_ = false;
     httplib::Result r = fn();
     // Only the killed portal (the first target) drops connections on purpose.
     if (r || !t_.killed || at_ != 0 || targets_.size() < 2) return r;
     ++t_.cut_off;
     if (is_post) {
       ++t_.cut_off_posts;  // not sent again: it may have been saved
+      cut_off_ = true;
       at_ = 1;
       connect();
       return r;
@@ -113,6 +118,7 @@ class Browser {
   }
   const std::vector<Target>& targets_;
   size_t at_;
+  bool cut_off_ = false;
   Totals& t_;
   std::unique_ptr<httplib::Client> client_;
 };
@@ -134,6 +140,7 @@ void user_loop(const std::vector<Target>& targets, int index, bool contend,
                    bool may_refuse = false) {
     ++t.requests;
     if (!t.killed) ++t.requests_before_kill;
+    if (!r && cli.cut_off()) return false;
     if (!r) return t.error(what + ": no response"), false;
     if (may_refuse && r->status == 422) return ++t.refusals, false;
     if (r->status != expected) {
