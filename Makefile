@@ -16,7 +16,7 @@ INSTALL_DIR := $(CURDIR)/build/install
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
         bench clean mutants demo test-portal load test-pg \
         differential bench-smoke bench-release \
-        fuzz fuzz-build test-fuzz coverage
+        fuzz fuzz-build test-fuzz coverage scale-load test-scale
 
 all: build
 
@@ -73,7 +73,7 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-pg test-install test-portal test-asan test-clang test-tsan test-fuzz bench-smoke
+test: test-default test-pg test-install test-portal test-scale test-asan test-clang test-tsan test-fuzz bench-smoke
 
 # The portal: `make demo` serves it on a freshly seeded database (PORT= to move it).
 PORT ?= 8080
@@ -107,6 +107,13 @@ test-pg: build
 	tools/pg_cluster.sh run build/pg -- \
 	  ctest --preset default -L '^reference_test$$' -j $(JOBS) --output-on-failure
 
+# Two portal processes on one throwaway PostgreSQL database, half the users contending for
+# the same approvals and receipts, the first process killed halfway (tools/scale_load.sh).
+scale-load: build
+	tools/scale_load.sh --users 100 --seconds 60
+
+test-scale: build
+	tools/scale_load.sh --users 20 --seconds 10
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
