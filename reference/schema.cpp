@@ -380,6 +380,14 @@ void create_portal_tables(soci::session& sql, Backend backend) {
   for (const char* statement : kPortalTables) sql << ddl(statement, backend);
 }
 
+// One-time tokens of the portal's forms that must not be sent twice, each good for one
+// POST of its session.
+void create_portal_form_tokens(soci::session& sql, Backend backend) {
+  sql << ddl("CREATE TABLE portal_form_tokens (token VARCHAR(64) PRIMARY KEY, "
+             "sid_hash VARCHAR(64) NOT NULL, expires VARCHAR(19) NOT NULL)",
+             backend);
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -390,6 +398,7 @@ const std::vector<Migration>& migrations() {
       {4, "addresses, methods, attachments, reports", create_account_tables},
       {5, "organisation reports", add_organisation_reports},
       {6, "portal sessions and sign-in throttling", create_portal_tables},
+      {7, "portal one-time form tokens", create_portal_form_tokens},
   };
   return all;
 }

@@ -96,7 +96,9 @@ void user_loop(int port, int index, Clock::time_point until, Totals& t) {
     auto rform = cli.Get("/receive/" + po, session);
     if (!count(rform, "GET /receive/" + po, 200)) continue;
     // Every line's fields, as a browser sends them.
-    httplib::Params fields{{"csrf", hidden(rform->body, "csrf")}, {"cartons", "1"}};
+    httplib::Params fields{{"csrf", hidden(rform->body, "csrf")},
+                           {"once", hidden(rform->body, "once")},
+                           {"cartons", "1"}};
     const std::regex line_input("name=\"rq(\\d+)\"");
     for (std::sregex_iterator it(rform->body.begin(), rform->body.end(), line_input), end;
          it != end; ++it) {
