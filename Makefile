@@ -12,7 +12,8 @@ LAUNCHER := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPIL
 INSTALL_DIR := $(CURDIR)/build/install
 
 .PHONY: all deps build install test test-default test-install test-asan test-tsan test-clang \
-        bench clean mutants demo test-portal load test-pg
+        bench clean mutants demo test-portal load test-pg \
+        differential bench-smoke bench-release
 
 all: build
 
@@ -66,7 +67,7 @@ test-clang: deps
 	cmake --build --preset clang -j $(JOBS)
 	ctest --preset clang -j $(JOBS)
 
-test: test-default test-pg test-install test-portal test-asan test-clang
+test: test-default test-pg test-install test-portal test-asan test-clang bench-smoke
 
 # The portal: `make demo` serves it on a freshly seeded database (PORT= to move it).
 PORT ?= 8080
@@ -93,6 +94,7 @@ test-portal: build
 load: build
 	rm -f build/portal-load.db && $(SEED) --db build/portal-load.db --parts 300 >/dev/null
 	build/default/apps/portal/kxportal_load --db build/portal-load.db --users 50 --seconds 60
+
 # The reference tier's tests once more, on a throwaway PostgreSQL cluster in build/pg that
 # is stopped whatever happens.
 test-pg: build
@@ -102,6 +104,21 @@ test-pg: build
 
 bench: build
 	@for b in build/default/bench/*_bench; do echo "== $$b"; $$b; done
+
+# The locale services' own number and date texts against ICU on 1.5 million random values
+# per test (make test draws 100,000).
+differential: build
+	KXUI_DIFFERENTIAL_VALUES=1500000 build/default/services/services_test --gtest_filter='DifferentialTest.*'
+
+# Every benchmark once with a short time, so none can rot (the figures mean nothing here).
+bench-smoke: build
+	@for b in build/default/bench/*_bench; do echo "== $$b"; KXUI_BENCH_LIST_ROWS=100,2000 $$b --benchmark_min_time=0.001 >/dev/null || exit 1; done
+
+# The figures worth quoting: a Release build, repetitions, min and median.
+bench-release: deps
+	cmake --preset release $(LAUNCHER) >/dev/null
+	cmake --build --preset release -j $(JOBS)
+	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b --benchmark_repetitions=5; done
 
 # make mutants FILE=kxui/requisition/ui_req.cpp [ARGS="--max 40"]: mutation testing of one source.
 mutants:

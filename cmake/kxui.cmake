@@ -28,6 +28,12 @@ function(kxui_tests dir)
   target_compile_options(${target} PRIVATE ${KXUI_WARNINGS})
   # Labelled with the program, so one folder's tests can run alone (ctest -L).
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${target})
+  # The library's programs run a second time with every record set the test doubles
+  # build reading its rows on demand: both kinds must behave the same.
+  if(rel MATCHES "^kxui/" AND "kxui_testing" IN_LIST ARGN)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "on_demand."
+                         PROPERTIES ENVIRONMENT "KXUI_TEST_ROWS=on-demand" LABELS ${target})
+  endif()
 endfunction()
 
 # kxui_bench(NAME SRC LIBS...)

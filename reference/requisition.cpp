@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <optional>
 #include <sstream>
 #include <vector>
 
 #include "kxui/frame/text.h"
 #include "reference/errors.h"
+#include "reference/list_source.h"
 #include "reference/req_store.h"
 #include "reference/rows.h"
 
@@ -141,6 +143,157 @@ void prepare_list(soci::session& sql, ListStatement& s, const std::string& order
   st.define_and_bind();
 }
 
+// What a list is filtered on, held by value: a list read on demand outlives the call.
+struct ListFilter {
+  std::string login, borg;
+  int self = 0, all = 0;
+  std::array<int, kStatusSlots> slots{};
+};
+
+// The one user whose requisitions the filter names, or nothing when it names none or
+// several (the list is then read whole, as the general statement reads it).
+std::optional<int> single_requisitioner(soci::session& sql, ListFilter& f) {
+  soci::rowset<int> ids =
+      (sql.prepare << "SELECT u.sys_user_id FROM users u WHERE (:login = '' AND "
+                      "u.sys_user_id = :self) OR LOWER(u.login_id) = :login2 LIMIT 2",
+       soci::use(f.login), soci::use(f.self), soci::use(f.login));
+  std::optional<int> one;
+  for (int id : ids) {
+    if (one) return std::nullopt;
+    one = id;
+  }
+  return one;
+}
+
+// One requisitioner's list: the filter on the requisitions alone, with only the
+// conditions the call sets, so that the index on (requisitioner, create date) serves the
+// count and the list order by itself.
+struct Shape {
+  bool borg = false;
+  bool statuses = false;
+  std::string key() const { return std::string(borg ? " borg" : "") + (statuses ? " status" : ""); }
+};
+
+std::string one_user_filter(const Shape& shape) {
+  std::string where = "WHERE r.requisitioner_id = :uid";
+  if (shape.borg) where += " AND r.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
+  if (shape.statuses) {
+    where += " AND r.status_id IN (";
+    for (int i = 0; i < kStatusSlots; ++i) where += (i ? ", :s" : ":s") + std::to_string(i);
+    where += ")";
+  }
+  return where;
+}
+
+struct OneUserStatement : Database::PreparedState {
+  ListFilter filter;
+  int uid = 0;
+  void bind_filter(const Shape& shape) {
+    soci::statement& st = *statement;
+    st.exchange(soci::use(uid));
+    if (shape.borg) st.exchange(soci::use(filter.borg));
+    if (shape.statuses) {
+      for (int& slot : filter.slots) st.exchange(soci::use(slot));
+    }
+  }
+  void set(const ListFilter& f, int user) {
+    filter = f;
+    uid = user;
+  }
+};
+
+struct CountStatement : OneUserStatement {
+  long long count = 0;
+};
+
+struct PageStatement : OneUserStatement {
+  long long limit = 0, offset = 0;
+  int req_id = 0, status = 0, items = 0;
+  std::string name, requisitioner, borg_name, created, submitted, currency;
+};
+
+void prepare_count(soci::session& sql, CountStatement& s, const Shape& shape) {
+  const std::string query = "SELECT COUNT(*) FROM requisitions r " + one_user_filter(shape);
+  s.statement = std::make_unique<soci::statement>(sql);
+  s.bind_filter(shape);
+  s.statement->exchange(soci::into(s.count));
+  s.statement->alloc();
+  s.statement->prepare(query);
+  s.statement->define_and_bind();
+}
+
+// The keys of the window in list order, then their rows. All rows are one user's, so a
+// sort on the requisitioner's name is a sort on the key alone.
+void prepare_page(soci::session& sql, PageStatement& s, const std::string& order,
+                  const Shape& shape) {
+  std::string key_order = order;
+  for (const char* by_name : {"u.full_name DESC, ", "u.full_name, "}) {
+    if (key_order.rfind(by_name, 0) == 0) key_order.erase(0, std::string(by_name).size());
+  }
+  const std::string query =
+      "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
+      "COALESCE(r.submit_date, r.create_date), "
+      "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
+      "FROM (SELECT r.req_id FROM requisitions r " +
+      one_user_filter(shape) + " ORDER BY " + key_order +
+      " LIMIT :n OFFSET :o) k JOIN requisitions r ON r.req_id = k.req_id "
+      "JOIN users u ON u.sys_user_id = r.requisitioner_id "
+      "JOIN borgs b ON b.borg_id = r.borg_id ORDER BY " +
+      order;
+  s.statement = std::make_unique<soci::statement>(sql);
+  soci::statement& st = *s.statement;
+  s.bind_filter(shape);
+  st.exchange(soci::use(s.limit));
+  st.exchange(soci::use(s.offset));
+  st.exchange(soci::into(s.req_id));
+  st.exchange(soci::into(s.name));
+  st.exchange(soci::into(s.status));
+  st.exchange(soci::into(s.requisitioner));
+  st.exchange(soci::into(s.borg_name));
+  st.exchange(soci::into(s.created));
+  st.exchange(soci::into(s.submitted));
+  st.exchange(soci::into(s.items));
+  st.exchange(soci::into(s.currency));
+  st.alloc();
+  st.prepare(query);
+  st.define_and_bind();
+}
+
+RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int uid,
+                           const std::string& order) {
+  const Shape shape{!filter.borg.empty(), filter.all == 0};
+  auto count = [db, filter, uid, shape](soci::session&) -> int64_t {
+    CountStatement& q = db->prepared<CountStatement>(
+        "requisition count" + shape.key(),
+        [&shape](soci::session& s, CountStatement& st) { prepare_count(s, st, shape); });
+    q.set(filter, uid);
+    q.statement->execute(true);
+    return q.count;
+  };
+  auto fetch = [db, filter, uid, order, shape](soci::session&, int64_t first, int64_t rows,
+                                               std::vector<Variant>& out) {
+    PageStatement& q = db->prepared<PageStatement>(
+        "requisition page " + order + shape.key(),
+        [&](soci::session& s, PageStatement& st) { prepare_page(s, st, order, shape); });
+    q.set(filter, uid);
+    q.limit = rows;
+    q.offset = first;
+    q.statement->execute(false);
+    while (q.statement->fetch()) {
+      out.emplace_back(int32_t{q.req_id});
+      out.emplace_back(q.name);
+      out.emplace_back(int32_t{q.status});
+      out.emplace_back(q.requisitioner);
+      out.emplace_back(q.borg_name);
+      out.emplace_back(parse_date_text(q.created));
+      out.emplace_back(parse_date_text(q.submitted));
+      out.emplace_back(int32_t{q.items});
+      out.emplace_back(q.currency);
+    }
+  };
+  return open_on_demand(kListColumns, std::make_shared<QueryRowSource>(db, count, fetch));
+}
+
 }  // namespace
 
 RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
@@ -154,6 +307,11 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
     std::vector<int> slots = status_slots(status_list);
     const int all_statuses = slots.empty() ? 1 : 0;
     slots.resize(kStatusSlots, kUnusedStatus);
+    ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, {}};
+    std::copy(slots.begin(), slots.end(), filter.slots.begin());
+    const std::optional<int> one =
+        db().read([&](soci::session& sql) { return single_requisitioner(sql, filter); });
+    if (one) return one_user_list(db_ptr(), filter, *one, order);
     return db().read([&](soci::session&) {
       ListStatement& q = db().prepared<ListStatement>(
           "requisition list " + order,

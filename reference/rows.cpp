@@ -85,7 +85,7 @@ std::string text_of(const soci::row& row, size_t i) {
   return std::move(*v);
 }
 
-RecordsetPtr make_recordset(std::span<const Column> columns) {
+RecordsetPtr make_recordset(std::span<const Column> columns, std::shared_ptr<RowSource> source) {
   auto rs = std::make_shared<Recordset>();
   rs->SetCursorLocation(adUseClient);
   Fields& fields = rs->GetFields();
@@ -99,7 +99,11 @@ RecordsetPtr make_recordset(std::span<const Column> columns) {
       case Kind::kBool: fields.Append(c.name, adBoolean, 0, adFldIsNullable); break;
     }
   }
-  rs->Open();
+  if (source) {
+    rs->Open(std::move(source));
+  } else {
+    rs->Open();
+  }
   return rs;
 }
 

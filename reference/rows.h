@@ -31,8 +31,9 @@ struct Column {
   int32_t size = 0;  // text columns only
 };
 
-// An open, empty record set with the columns.
-RecordsetPtr make_recordset(std::span<const Column> columns);
+// An open, empty record set with the columns; with a source, open over it instead.
+RecordsetPtr make_recordset(std::span<const Column> columns,
+                            std::shared_ptr<RowSource> source = nullptr);
 // Appends the value of every result column (in order) as a new row; Null stays Null.
 // `finish`, when given, may change the new row before it is stored.
 void append_row(Recordset& rs, std::span<const Column> columns, const soci::row& row,

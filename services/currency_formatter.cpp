@@ -3,6 +3,7 @@
 #include <cmath>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <shared_mutex>
 #include <unordered_map>
 
@@ -14,6 +15,7 @@
 #include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
 #include "services/icu_support.h"
+#include "services/number_layout.h"
 
 namespace kxui::services {
 namespace {
@@ -59,44 +61,60 @@ LocalizedNumberFormatter build(int32_t locale_id, CurrencyKey currency) {
   return f.unit(unit);
 }
 
+// An ICU formatter and, when probing proved it gives the same bytes, the layout that
+// prints its texts without ICU.
+struct Formatter {
+  LocalizedNumberFormatter icu;
+  std::optional<detail::NumberLayout> layout;
+  explicit Formatter(LocalizedNumberFormatter f)
+      : icu(std::move(f)), layout(detail::NumberLayout::learn(icu)) {}
+};
+
 // Immutable formatters, shared by every thread; entries are never removed, so the
 // table is bounded by the (locale, currency) pairs actually used.
 class FormatterCache {
  public:
-  const LocalizedNumberFormatter& get(int32_t locale_id, CurrencyKey currency) {
-    const uint64_t key = (static_cast<uint64_t>(static_cast<uint32_t>(locale_id)) << 32) | currency;
+  const Formatter& get(uint64_t key, int32_t locale_id, CurrencyKey currency) {
     {
       std::shared_lock lock(mutex_);
       auto it = map_.find(key);
       if (it != map_.end()) return *it->second;
     }
-    auto built = std::make_unique<const LocalizedNumberFormatter>(build(locale_id, currency));
+    auto built = std::make_unique<const Formatter>(build(locale_id, currency));
     std::unique_lock lock(mutex_);
     return *map_.try_emplace(key, std::move(built)).first->second;
   }
 
  private:
   std::shared_mutex mutex_;
-  std::unordered_map<uint64_t, std::unique_ptr<const LocalizedNumberFormatter>> map_;
+  std::unordered_map<uint64_t, std::unique_ptr<const Formatter>> map_;
 };
 
 // The shared formatter, remembered per thread as well so that the usual call takes no
-// lock.
-const LocalizedNumberFormatter& formatter(int32_t locale_id, CurrencyKey currency) {
+// lock; the last one used is checked first, as a page formats one locale and currency.
+const Formatter& formatter(int32_t locale_id, CurrencyKey currency) {
   static auto* shared = new FormatterCache;  // never destroyed: threads may outlive main
-  thread_local std::unordered_map<uint64_t, const LocalizedNumberFormatter*> known;
+  struct Known {
+    uint64_t last_key = ~uint64_t{0};
+    const Formatter* last = nullptr;
+    std::unordered_map<uint64_t, const Formatter*> all;
+  };
+  thread_local Known known;
   const uint64_t key = (static_cast<uint64_t>(static_cast<uint32_t>(locale_id)) << 32) | currency;
-  auto it = known.find(key);
-  if (it != known.end()) return *it->second;
-  const LocalizedNumberFormatter& f = shared->get(locale_id, currency);
-  known.emplace(key, &f);
-  return f;
+  if (key == known.last_key) return *known.last;
+  auto it = known.all.find(key);
+  const Formatter* f = it != known.all.end() ? it->second : &shared->get(key, locale_id, currency);
+  if (it == known.all.end()) known.all.emplace(key, f);
+  known.last_key = key;
+  known.last = f;
+  return *f;
 }
 
-std::string format(const LocalizedNumberFormatter& f, double amount) {
+std::string format(const Formatter& f, double amount, bool use_layout) {
   if (!std::isfinite(amount)) fail(err::kInvalidProcedureCall, kSource, "amount is not a finite number");
+  if (use_layout && f.layout) return f.layout->format(amount);
   UErrorCode status = U_ZERO_ERROR;
-  icu::number::FormattedNumber out = f.formatDouble(amount, status);
+  icu::number::FormattedNumber out = f.icu.formatDouble(amount, status);
   std::string text;
   out.toTempString(status).toUTF8String(text);
   detail::check(status, kSource, "formatting an amount");
@@ -119,13 +137,13 @@ const icu::NumberFormat& parser_for(int32_t locale_id) {
 }  // namespace
 
 std::string IcuCurrencyFormatter::FormatAmount(int32_t locale_id, double amount) {
-  return format(formatter(locale_id, 0), amount);
+  return format(formatter(locale_id, 0), amount, layouts_);
 }
 
 std::string IcuCurrencyFormatter::FormatCurrencyAmount(int32_t locale_id,
                                                        const std::string& currency_code,
                                                        double amount) {
-  return format(formatter(locale_id, currency_key(currency_code)), amount);
+  return format(formatter(locale_id, currency_key(currency_code)), amount, layouts_);
 }
 
 bool IcuCurrencyFormatter::ParseNumber(int32_t locale_id, const std::string& text,

@@ -18,6 +18,11 @@ namespace kxui::services {
 // code, or an amount that is not a finite number.
 class IcuCurrencyFormatter : public CurrencyFormatter {
  public:
+  // Texts are laid out from what ICU printed for probe values (the same bytes, proven
+  // per locale and currency when its formatter is built; any that differ stay with
+  // ICU). `layouts` false formats every amount through ICU, for comparing the two.
+  explicit IcuCurrencyFormatter(bool layouts = true) : layouts_(layouts) {}
+
   // The locale's grouping and decimal marks, up to four decimals, no trailing zeros;
   // ties round away from zero ("1,234.5", "-0.1235").
   std::string FormatAmount(int32_t locale_id, double amount) override;
@@ -33,6 +38,9 @@ class IcuCurrencyFormatter : public CurrencyFormatter {
   // False for anything else ("", "abc", "50%", a number that overflows a double);
   // `number` is then left unchanged.
   bool ParseNumber(int32_t locale_id, const std::string& text, double& number) override;
+
+ private:
+  bool layouts_;
 };
 
 }  // namespace kxui::services

@@ -2,15 +2,18 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
 #include <unicode/basictz.h>
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
+#include <unicode/tztrans.h>
 
 #include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
+#include "services/date_layout.h"
 #include "services/icu_support.h"
 #include "services/time_zones.h"
 
@@ -79,13 +82,24 @@ uint64_t format_key(int32_t locale_id, int32_t style) {
   return (static_cast<uint64_t>(static_cast<uint32_t>(locale_id)) << 8) | static_cast<uint32_t>(style);
 }
 
+// An ICU date format and, when its check days printed the same bytes, the layout that
+// prints its texts without ICU.
+struct Format {
+  std::unique_ptr<icu::DateFormat> icu;
+  std::optional<detail::DateLayout> layout;
+};
+
 // Date formats mutate their calendar while formatting, so each thread has its own.
-icu::DateFormat& format_for(int32_t locale_id, int32_t style) {
-  thread_local std::unordered_map<uint64_t, std::unique_ptr<icu::DateFormat>> formats;
+Format& format_for(int32_t locale_id, int32_t style) {
+  thread_local std::unordered_map<uint64_t, Format> formats;
   const uint64_t key = format_key(locale_id, style);
   auto it = formats.find(key);
-  if (it != formats.end()) return *it->second;
-  return *formats.emplace(key, build_format(locale_id, style)).first->second;
+  if (it != formats.end()) return it->second;
+  Format f{build_format(locale_id, style), std::nullopt};
+  if (auto* sdf = dynamic_cast<icu::SimpleDateFormat*>(f.icu.get())) {
+    f.layout = detail::DateLayout::learn(*sdf);
+  }
+  return formats.emplace(key, std::move(f)).first->second;
 }
 
 // Direct-mapped and per thread: a colliding day replaces the one before it, so the
@@ -122,14 +136,50 @@ DayTextCache& day_texts() {
   return cache;
 }
 
+// A zone of the table, per thread, with the offsets of the last few spans between two of
+// its transitions that were asked for: a list's dates mostly fall in a handful of them.
+struct Zone {
+  struct Span {
+    int64_t begin = 0, end = 0;  // UTC milliseconds, end excluded
+    int64_t offset = 0;
+  };
+  std::unique_ptr<icu::BasicTimeZone> icu;
+  std::array<Span, 8> spans;
+  size_t next = 0;  // the span replaced next
+
+  int64_t offset_at(int64_t utc_ms, bool remember) {
+    if (remember) {
+      for (const Span& s : spans) {
+        if (utc_ms >= s.begin && utc_ms < s.end) return s.offset;
+      }
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    int32_t raw = 0, dst = 0;
+    icu->getOffset(static_cast<UDate>(utc_ms), false, raw, dst, status);
+    detail::check(status, kSource, "time zone offset");
+    if (remember) {
+      Span& s = spans[next++ % spans.size()];
+      icu::TimeZoneTransition t;
+      s.begin = icu->getPreviousTransition(static_cast<UDate>(utc_ms), true, t)
+                    ? static_cast<int64_t>(t.getTime())
+                    : INT64_MIN;
+      s.end = icu->getNextTransition(static_cast<UDate>(utc_ms), false, t)
+                  ? static_cast<int64_t>(t.getTime())
+                  : INT64_MAX;
+      s.offset = int64_t{raw} + dst;
+    }
+    return int64_t{raw} + dst;
+  }
+};
+
 // The zone of a table identifier, per thread; nullptr for UTC, which needs no ICU.
-const icu::BasicTimeZone* zone_for(int32_t id) {
+Zone* zone_for(int32_t id) {
   const TimeZoneInfo* info = find_time_zone(id);
   if (!info) fail(err::kInvalidProcedureCall, kSource, "unknown time zone " + std::to_string(id));
   if (info->iana_name == "Etc/UTC") return nullptr;
-  thread_local std::array<std::unique_ptr<icu::BasicTimeZone>, std::size(kTimeZones)> zones;
-  auto& zone = zones[static_cast<size_t>(info - kTimeZones)];
-  if (!zone) {
+  thread_local std::array<Zone, std::size(kTimeZones)> zones;
+  Zone& zone = zones[static_cast<size_t>(info - kTimeZones)];
+  if (!zone.icu) {
     std::unique_ptr<icu::TimeZone> tz(
         icu::TimeZone::createTimeZone(detail::from_utf8(info->iana_name)));
     auto* basic = dynamic_cast<icu::BasicTimeZone*>(tz.get());
@@ -138,9 +188,9 @@ const icu::BasicTimeZone* zone_for(int32_t id) {
            "time zone " + std::string(info->iana_name) + " missing from ICU's data");
     }
     tz.release();
-    zone.reset(basic);
+    zone.icu.reset(basic);
   }
-  return zone.get();
+  return &zone;
 }
 
 }  // namespace
@@ -155,33 +205,34 @@ std::string IcuDateFormatter::FormatDateValue(int32_t locale_id, int32_t style, 
   if (cache_day_texts_) {
     if (const std::string* text = day_texts().find(key, day)) return *text;
   }
-  icu::UnicodeString out;
-  format_for(locale_id, style).format(static_cast<UDate>(day * kDay) * 1000.0, out);
-  std::string text = detail::to_utf8(out);
+  Format& format = format_for(locale_id, style);
+  std::string text;
+  if (fast_paths_ && format.layout) {
+    text = format.layout->format(day);
+  } else {
+    icu::UnicodeString out;
+    format.icu->format(static_cast<UDate>(day * kDay) * 1000.0, out);
+    text = detail::to_utf8(out);
+  }
   if (cache_day_texts_) day_texts().put(key, day, text);
   return text;
 }
 
 Date IcuDateFormatter::ConvertTimeZone(int32_t from_zone, Date date, int32_t to_zone) {
-  const icu::BasicTimeZone* from = zone_for(from_zone);
-  const icu::BasicTimeZone* to = zone_for(to_zone);
+  Zone* from = zone_for(from_zone);
+  Zone* to = zone_for(to_zone);
   check_range(date);
   if (from_zone == to_zone) return date;
-  UErrorCode status = U_ZERO_ERROR;
   int64_t utc_ms = date.seconds() * 1000;
   if (from) {
+    UErrorCode status = U_ZERO_ERROR;
     int32_t raw = 0, dst = 0;
-    from->getOffsetFromLocal(static_cast<UDate>(utc_ms), UCAL_TZ_LOCAL_FORMER,
-                             UCAL_TZ_LOCAL_FORMER, raw, dst, status);
+    from->icu->getOffsetFromLocal(static_cast<UDate>(utc_ms), UCAL_TZ_LOCAL_FORMER,
+                                  UCAL_TZ_LOCAL_FORMER, raw, dst, status);
+    detail::check(status, kSource, "time zone offset");
     utc_ms -= int64_t{raw} + dst;
   }
-  int64_t local_ms = utc_ms;
-  if (to) {
-    int32_t raw = 0, dst = 0;
-    to->getOffset(static_cast<UDate>(utc_ms), false, raw, dst, status);
-    local_ms += int64_t{raw} + dst;
-  }
-  detail::check(status, kSource, "time zone offset");
+  const int64_t local_ms = to ? utc_ms + to->offset_at(utc_ms, fast_paths_) : utc_ms;
   return Date::from_seconds(floor_div(local_ms, 1000));
 }
 

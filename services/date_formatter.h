@@ -20,7 +20,13 @@ namespace kxui::services {
 class IcuDateFormatter : public DateFormatter {
  public:
   // `cache_day_texts` false formats every call afresh (for measuring the cache).
-  explicit IcuDateFormatter(bool cache_day_texts = true) : cache_day_texts_(cache_day_texts) {}
+  // Day texts are laid out from the locale's pattern, digits and month names by calendar
+  // arithmetic (the same bytes, proven per locale and style when the format is built;
+  // any that differ stay with ICU), and a zone's offset is remembered for the span
+  // between two of its transitions; `fast_paths` false asks ICU for every text and
+  // offset, for comparing the two.
+  explicit IcuDateFormatter(bool cache_day_texts = true, bool fast_paths = true)
+      : cache_day_texts_(cache_day_texts), fast_paths_(fast_paths) {}
 
   // The date part of `date` (its time is ignored), on the proleptic Gregorian calendar
   // unless the locale uses another one. Style 1: the locale's short numeric date with a
@@ -38,6 +44,7 @@ class IcuDateFormatter : public DateFormatter {
 
  private:
   bool cache_day_texts_;
+  bool fast_paths_;
 };
 
 }  // namespace kxui::services

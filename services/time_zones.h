@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -53,6 +54,10 @@ inline constexpr TimeZoneInfo kTimeZones[] = {
 
 // The entry of an identifier, or nullptr when there is none.
 constexpr const TimeZoneInfo* find_time_zone(int32_t id) {
+  // The table is in identifier order from 1, so an identifier is usually its place.
+  if (id >= 1 && id <= static_cast<int32_t>(std::size(kTimeZones)) && kTimeZones[id - 1].id == id) {
+    return &kTimeZones[id - 1];
+  }
   for (const TimeZoneInfo& z : kTimeZones) {
     if (z.id == id) return &z;
   }

@@ -26,10 +26,11 @@ CurrencyFormatter& DisplayContext::money() {
 
 std::string DisplayContext::date_text(const Variant& stored) {
   Date d = stored.to_date();
-  if (time_zone_id_ != kServerTimeZone) {
-    d = dates().ConvertTimeZone(kServerTimeZone, d, time_zone_id_);
-  }
-  return dates().FormatDateValue(locale_id_, date_style_, conv::date_part(Variant(d)));
+  DateFormatter& f = dates();
+  if (time_zone_id_ != kServerTimeZone) d = f.ConvertTimeZone(kServerTimeZone, d, time_zone_id_);
+  // The day by arithmetic: the same day the date's text starts with, and the same
+  // overflow for a date out of range.
+  return f.FormatDateValue(locale_id_, date_style_, d.date_part());
 }
 
 std::string DisplayContext::money_text(double amount, const std::string& currency_code) {

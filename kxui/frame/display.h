@@ -40,7 +40,7 @@ class DisplayContext {
   CurrencyFormatter& money();
 
   // The date display rule: the stored value (zone 15) as a date (Null fails with 94),
-  // converted to the user's zone unless that is 15, cut to its date part via its text,
+  // converted to the user's zone unless that is 15, cut to its date part,
   // and formatted in the user's locale and date style.
   std::string date_text(const Variant& stored);
   // Money in a currency, formatted for the user's locale.

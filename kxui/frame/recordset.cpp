@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <new>
 #include <limits>
 #include <string>
@@ -149,16 +150,110 @@ inline std::pair<size_t, size_t> locate(int64_t r, int64_t base) {
 }  // namespace
 
 inline Variant* Recordset::row(int64_t r) const {
+  if (source_) [[unlikely]] return fetched_row(r);
   auto [k, off] = locate(r, kFirstSegmentRows);
   return segments_[k] + off * infos_.size();
 }
 
+inline Variant* Recordset::current_row() const {
+  if (cached_pos_ != pos_) {
+    cached_row_ = row(pos_);
+    cached_pos_ = pos_;
+  }
+  return cached_row_;
+}
+
+void Recordset::fix_rules() {
+  kinds_.clear();
+  text_limits_.clear();
+  for (const FieldInfo& f : infos_) {
+    const auto kind = stored_kind(f.type);
+    kinds_.push_back(kind ? static_cast<uint8_t>(*kind) : kAnyKind);
+    text_limits_.push_back(is_bounded_text(f.type) && f.defined_size > 0
+                               ? static_cast<size_t>(f.defined_size)
+                               : SIZE_MAX);
+  }
+}
+
 void Recordset::release_rows() noexcept {
+  cached_pos_ = -1;
+  capacity_ = 0;
   const size_t width = infos_.size();
-  for (int64_t r = 0; r < rows_; ++r) std::destroy_n(row(r), width);
+  if (!source_) {
+    for (int64_t r = 0; r < rows_; ++r) std::destroy_n(row(r), width);
+  }
+  blocks_.clear();
+  source_.reset();
   for (Variant* seg : segments_) ::operator delete(seg);
   segments_.clear();
   rows_ = 0;
+}
+
+Variant* Recordset::fetched_row(int64_t r) const {
+  const size_t width = infos_.size();
+  auto next = blocks_.upper_bound(r);
+  const Block* before = next == blocks_.begin() ? nullptr : &std::prev(next)->second;
+  const int64_t read_before = before ? std::prev(next)->first + before->rows : 0;
+  if (r < read_before) {
+    return const_cast<Variant*>(before->cells.data()) +
+           static_cast<size_t>(r - std::prev(next)->first) * width;
+  }
+  // A block from r on, twice as long as the one before when the cursor walks on from it;
+  // where the next block read or the last row comes first, the block reaches back from
+  // there instead (a cursor moving backwards reads a full block each time).
+  int64_t want = kBlockRows;
+  if (before && read_before == r) want = std::min<int64_t>(before->rows * 2, kMaxBlockRows);
+  int64_t end = std::min(rows_, r + want);
+  if (next != blocks_.end()) end = std::min(end, next->first);
+  const int64_t first = std::max(read_before, std::min(r, end - want));
+  const Block& block = read_block(first, end - first);
+  return const_cast<Variant*>(block.cells.data()) + static_cast<size_t>(r - first) * width;
+}
+
+const Recordset::Block& Recordset::read_block(int64_t first, int64_t count) const {
+  const size_t width = infos_.size();
+  std::vector<Variant> values;
+  values.reserve(static_cast<size_t>(count) * width);
+  source_->Fetch(first, count, values);
+  if (values.size() != static_cast<size_t>(count) * width) {
+    fail(err::kNoCurrentRecord, kSource, "the rows changed after they were counted");
+  }
+  Block block;
+  block.rows = count;
+  block.cells.resize(values.size());
+  for (size_t i = 0; i < values.size(); ++i) {
+    store(block.cells[i], static_cast<int32_t>(i % width), std::move(values[i]));
+  }
+  return blocks_.emplace(first, std::move(block)).first->second;
+}
+
+void Recordset::materialize() {
+  const int64_t n = rows_;
+  // Every gap between the blocks read so far, each in one read.
+  for (int64_t r = 0; r < n;) {
+    auto next = blocks_.lower_bound(r);
+    if (next != blocks_.end() && next->first == r) {
+      r += next->second.rows;
+      continue;
+    }
+    const int64_t end = next == blocks_.end() ? n : next->first;
+    read_block(r, end - r);
+    r = end;
+  }
+  reserve(static_cast<int32_t>(n));  // the last step that can fail
+  const size_t width = infos_.size();
+  std::map<int64_t, Block> blocks = std::move(blocks_);
+  blocks_.clear();
+  source_.reset();
+  cached_pos_ = -1;
+  rows_ = 0;
+  for (auto& entry : blocks) {
+    Block& block = entry.second;
+    for (int64_t i = 0; i < block.rows; ++i, ++rows_) {
+      std::uninitialized_move_n(block.cells.data() + i * static_cast<int64_t>(width), width,
+                                row(rows_));
+    }
+  }
 }
 
 void Recordset::SetCursorLocation(CursorLocationEnum c) {
@@ -169,6 +264,23 @@ void Recordset::SetCursorLocation(CursorLocationEnum c) {
 void Recordset::Open() {
   if (open_) fail(err::kObjectOpen, kSource);
   release_rows();
+  fix_rules();
+  pos_ = -1;
+  pending_ = false;
+  open_ = true;
+}
+
+void Recordset::Open(std::shared_ptr<RowSource> source) {
+  if (open_) fail(err::kObjectOpen, kSource);
+  if (!source) fail(err::kArgumentOutOfRange, kSource, "no row source");
+  const int64_t count = source->Count();
+  if (count < 0 || count > std::numeric_limits<int32_t>::max()) {
+    fail(err::kArgumentOutOfRange, kSource, std::to_string(count));
+  }
+  release_rows();
+  fix_rules();
+  source_ = std::move(source);
+  rows_ = count;
   pos_ = -1;
   pending_ = false;
   open_ = true;
@@ -184,8 +296,9 @@ void Recordset::Close() {
 
 void Recordset::AddNew() {
   require_open();
+  if (source_) materialize();
   if (rows_ >= std::numeric_limits<int32_t>::max()) fail(err::kOutOfMemory, kSource);
-  reserve(static_cast<int32_t>(rows_ + 1));
+  if (rows_ >= capacity_) reserve(static_cast<int32_t>(rows_ + 1));
   std::uninitialized_value_construct_n(row(rows_), infos_.size());
   pos_ = rows_++;
   pending_ = true;
@@ -201,6 +314,7 @@ void Recordset::reserve(int32_t rows) {
     // Raw storage: pages are touched only as rows are added.
     segments_.push_back(static_cast<Variant*>(
         ::operator new(std::max<size_t>(1, seg_rows * infos_.size()) * sizeof(Variant))));
+    capacity_ += static_cast<int64_t>(seg_rows);
   }
 }
 
@@ -271,21 +385,22 @@ const Variant& Recordset::value(int32_t col) const {
   if (col < 0 || static_cast<size_t>(col) >= infos_.size()) {
     fail(err::kItemNotFound, kSource, std::to_string(col));
   }
-  return row(pos_)[col];
+  return current_row()[col];
 }
 
 void Recordset::set_value(int32_t col, Variant v) {
   require_current();
-  const size_t width = infos_.size();
-  if (col < 0 || static_cast<size_t>(col) >= width) {
+  if (col < 0 || static_cast<size_t>(col) >= infos_.size()) {
     fail(err::kItemNotFound, kSource, std::to_string(col));
   }
-  Variant& cell = row(pos_)[col];
-  const FieldInfo& f = infos_[col];
+  if (source_) materialize();
+  store(current_row()[col], col, std::move(v));
+}
+
+inline void Recordset::store(Variant& cell, int32_t col, Variant v) const {
   // A value already of the field's kind moves straight in; short text needs no counting.
-  if (v.kind() == stored_kind(f.type) &&
-      (!v.is_string() || f.defined_size <= 0 || !is_bounded_text(f.type) ||
-       v.get_string().size() <= static_cast<size_t>(f.defined_size))) {
+  if (static_cast<uint8_t>(v.kind()) == kinds_[col] &&
+      (!v.is_string() || v.get_string().size() <= text_limits_[col])) {
     cell = std::move(v);
     return;
   }
@@ -304,7 +419,7 @@ Variant Recordset::coerce(int32_t col, Variant v) const {
   if (!kind) return v;
   if (v.kind() != *kind) v = convert(v, *kind);
   if (is_bounded_text(f.type) && f.defined_size > 0) {
-    const std::string& s = v.get_string();
+    const std::string_view s = v.get_string();
     // Bytes bound code points from above, so only long texts need counting.
     if (s.size() > static_cast<size_t>(f.defined_size) &&
         conv::utf8_length(s) > static_cast<size_t>(f.defined_size)) {

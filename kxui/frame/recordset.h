@@ -3,9 +3,14 @@
 //
 // A row costs one Variant per field. Rows live in segments that double in size and
 // never move, so positioning is O(1) and growing a large set copies nothing.
+//
+// A record set may instead be opened over a RowSource: its count is known when it opens
+// and its rows are read in blocks when the cursor first reaches them, so a page of a
+// long list reads the page and nothing else.
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -94,6 +99,18 @@ enum PositionEnum : int32_t {
 
 class Recordset;
 
+// The rows of a record set opened over it, read on demand.
+class RowSource {
+ public:
+  virtual ~RowSource() = default;
+  // The number of rows; asked once, when the record set opens.
+  virtual int64_t Count() = 0;
+  // Appends the values of `count` rows from the 0-based row `first`, row after row, one
+  // value per field in field order. Values are stored as if assigned to the fields. A
+  // failure (thrown) reaches whoever moved the cursor there.
+  virtual void Fetch(int64_t first, int64_t count, std::vector<Variant>& out) = 0;
+};
+
 // Definition of one column.
 struct FieldInfo {
   std::string name;
@@ -178,6 +195,11 @@ class Recordset : public Object {
   // Opens the record set as a disconnected, in-memory set (every argument at its
   // default). 3705 when already open.
   void Open();
+  // Opens over `source` (3001 when it is null or counts below zero): RecordCount is the
+  // source's count, and rows are read from it as the cursor reaches them. Behaves as a
+  // set filled by AddNew; the first change to it (AddNew, a value set) reads every row
+  // not read yet and leaves the source.
+  void Open(std::shared_ptr<RowSource> source);
   void Close();
   ObjectStateEnum State() const { return open_ ? adStateOpen : adStateClosed; }
 
@@ -221,13 +243,40 @@ class Recordset : public Object {
   Fields fields_;
   std::vector<FieldInfo> infos_;
   Variant* row(int64_t r) const;
+  // The current row, remembered while the cursor stays on it (rows never move).
+  Variant* current_row() const;
   void release_rows() noexcept;
+  // Value v as stored in field col (checked and converted).
+  void store(Variant& cell, int32_t col, Variant v) const;
+
+  // Rows read from a source, in blocks keyed by their first row; a block never moves.
+  struct Block {
+    int64_t rows = 0;
+    std::vector<Variant> cells;
+  };
+  static constexpr int64_t kBlockRows = 64;
+  static constexpr int64_t kMaxBlockRows = 65536;
+  Variant* fetched_row(int64_t r) const;
+  const Block& read_block(int64_t first, int64_t count) const;
+  // Reads every row not read yet into the segments and drops the source.
+  void materialize();
+  std::shared_ptr<RowSource> source_;
+  mutable std::map<int64_t, Block> blocks_;
 
   // Segment k holds kFirstSegmentRows << k rows; raw storage, rows constructed as added.
   static constexpr int64_t kFirstSegmentRows = 16;
   std::vector<Variant*> segments_;
   int64_t rows_ = 0;
+  int64_t capacity_ = 0;  // rows the segments hold
   int64_t pos_ = -1;  // 0-based current row; -1 before the first, rows_ after the last
+  mutable int64_t cached_pos_ = -1;
+  mutable Variant* cached_row_ = nullptr;
+  // Per field, fixed when the record set opens: the kind a value must have to be stored
+  // as it is (kAnyKind: any), and the longest text that needs no counting.
+  static constexpr uint8_t kAnyKind = 0xFF;
+  std::vector<uint8_t> kinds_;
+  std::vector<size_t> text_limits_;
+  void fix_rules();
   bool open_ = false;
   bool pending_ = false;
   CursorLocationEnum cursor_location_ = adUseServer;

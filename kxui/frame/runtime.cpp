@@ -1,5 +1,6 @@
 #include "kxui/frame/runtime.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 
@@ -40,9 +41,40 @@ bool Runtime::FoldedEqual::operator()(std::string_view a, std::string_view b) co
   return text::iequals(a, b);
 }
 
+namespace {
+std::atomic<uint64_t> g_runtimes{0};
+
+// The entry of the last name a thread created, valid while its runtime's table has not
+// changed (entries of the table never move while it stays the same).
+struct LastCreated {
+  uint64_t runtime = 0;
+  uint64_t generation = 0;
+  std::string name;  // exactly as asked for
+  const void* entry = nullptr;
+};
+thread_local LastCreated t_last;
+}  // namespace
+
+Runtime::Runtime() : id_(++g_runtimes) {}
+
+const std::shared_ptr<const Runtime::Creator>* Runtime::find_locked(std::string_view name) const {
+  LastCreated& last = t_last;
+  if (last.runtime == id_ && last.generation == generation_ && last.name == name) {
+    return static_cast<const std::shared_ptr<const Creator>*>(last.entry);
+  }
+  auto it = creators_.find(name);
+  if (it == creators_.end()) return nullptr;
+  last.runtime = id_;
+  last.generation = generation_;
+  last.name.assign(name);
+  last.entry = &it->second;
+  return &it->second;
+}
+
 void Runtime::Register(std::string_view name, Creator creator) {
   auto shared = std::make_shared<const Creator>(std::move(creator));
   std::lock_guard lock(mutex_);
+  ++generation_;
   auto it = creators_.find(name);
   if (it != creators_.end()) {
     it->second = std::move(shared);
@@ -53,6 +85,7 @@ void Runtime::Register(std::string_view name, Creator creator) {
 
 bool Runtime::Unregister(std::string_view name) {
   std::lock_guard lock(mutex_);
+  ++generation_;
   auto it = creators_.find(name);
   if (it == creators_.end()) return false;
   creators_.erase(it);
@@ -68,9 +101,9 @@ ObjectPtr Runtime::Create(std::string_view name) const {
   std::shared_ptr<const Creator> creator;
   {
     std::lock_guard lock(mutex_);
-    auto it = creators_.find(name);
-    if (it == creators_.end()) fail(err::kCannotCreateObject, name, name);
-    creator = it->second;
+    const std::shared_ptr<const Creator>* entry = find_locked(name);
+    if (!entry) fail(err::kCannotCreateObject, name, name);
+    creator = *entry;
   }
   // Run outside the lock: a creator may create further objects.
   ObjectPtr obj = (*creator)();

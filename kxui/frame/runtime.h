@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <typeinfo>
 #include <unordered_map>
 #include <memory>
 #include <mutex>
@@ -23,6 +24,10 @@ namespace kxui {
 class Runtime {
  public:
   using Creator = std::function<ObjectPtr()>;
+
+  Runtime();
+  Runtime(const Runtime&) = delete;
+  Runtime& operator=(const Runtime&) = delete;
 
   // Registers (or replaces) the creator of a name.
   void Register(std::string_view name, Creator creator);
@@ -46,10 +51,17 @@ class Runtime {
     using is_transparent = void;
     bool operator()(std::string_view a, std::string_view b) const noexcept;
   };
+  using Creators =
+      std::unordered_map<std::string, std::shared_ptr<const Creator>, FoldedHash, FoldedEqual>;
+  const std::shared_ptr<const Creator>* find_locked(std::string_view name) const;
+
   mutable std::mutex mutex_;  // the process runtime is shared between threads
   // Shared, so Create can take a creator out of the lock without copying it.
-  std::unordered_map<std::string, std::shared_ptr<const Creator>, FoldedHash, FoldedEqual>
-      creators_;
+  Creators creators_;
+  // Which runtime this is, never reused, and how often its table changed: each thread
+  // remembers the entry of the last name it created against both.
+  const uint64_t id_;
+  uint64_t generation_ = 0;  // guarded by mutex_
 };
 
 // The interface T of an object: 91 for Nothing, 438 when the object lacks it.
@@ -59,6 +71,31 @@ std::shared_ptr<T> query(const ObjectPtr& obj) {
   auto typed = std::dynamic_pointer_cast<T>(obj);
   if (!typed) fail(err::kNoSuchMember);
   return typed;
+}
+
+// The same, taking the object over. Services are often one shared instance, so each
+// thread remembers the last object cast to T: the same object of the same type has its
+// T at the same place, and the cast is skipped.
+template <class T>
+std::shared_ptr<T> query(ObjectPtr&& obj) {
+  if (!obj) fail(err::kObjectNotSet);
+  struct Last {
+    const Object* object = nullptr;
+    const std::type_info* type = nullptr;
+    T* typed = nullptr;
+  };
+  thread_local Last last;
+  const Object& object = *obj;
+  const std::type_info& type = typeid(object);
+  T* typed;
+  if (obj.get() == last.object && type == *last.type) {
+    typed = last.typed;
+  } else {
+    typed = dynamic_cast<T*>(obj.get());
+    if (!typed) fail(err::kNoSuchMember);
+    last = Last{obj.get(), &type, typed};
+  }
+  return std::shared_ptr<T>(std::move(obj), typed);
 }
 
 // The object a call cannot do without: 91 when it is Nothing.

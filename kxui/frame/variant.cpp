@@ -11,9 +11,6 @@
 
 namespace kxui {
 
-// Record sets copy millions of Variants: keep them at a std::string plus a tag.
-static_assert(sizeof(Variant) == 40, "Variant must stay 40 bytes");
-
 namespace {
 
 using Kind = Variant::Kind;
@@ -23,7 +20,7 @@ using Kind = Variant::Kind;
   fail(v.is_null() ? err::kInvalidUseOfNull : err::kTypeMismatch);
 }
 
-double number_from_text(const std::string& s) {
+double number_from_text(std::string_view s) {
   auto n = detail::parse_number(s);
   if (!n) fail(err::kTypeMismatch);
   return *n;
@@ -88,46 +85,94 @@ const Array kNoArray;
 
 }  // namespace
 
-Variant::Variant(kxui::Array v) : v_(std::make_unique<kxui::Array>(std::move(v))) {}
+Variant::Variant(ObjectPtr v) noexcept {
+  raw_[0] = static_cast<uint8_t>(Kind::Object);
+  raw_[1] = kOwns;
+  ::new (raw_ + kValueAt) ObjectPtr(std::move(v));
+}
 
-Variant::Variant(const Variant& o)
-    : v_(std::visit(
-          [](const auto& x) -> Storage {
-            using T = std::decay_t<decltype(x)>;
-            if constexpr (std::is_same_v<T, ArrayBox>) {
-              return x ? std::make_unique<kxui::Array>(*x) : ArrayBox{};
-            } else {
-              return Storage(std::in_place_type<T>, x);
-            }
-          },
-          o.v_)) {}
+Variant::Variant(kxui::Array v) {
+  auto* a = new kxui::Array(std::move(v));
+  set_plain(Kind::Array, a);
+  raw_[1] = kOwns;
+}
+
+void Variant::set_text(std::string_view v) {
+  raw_[0] = static_cast<uint8_t>(Kind::String);
+  if (v.size() <= kShortText) {
+    raw_[1] = static_cast<uint8_t>(v.size());
+    if (!v.empty()) std::memcpy(raw_ + 2, v.data(), v.size());
+    return;
+  }
+  void* block = ::operator new(sizeof(Text) + v.size());
+  Text* t = ::new (block) Text{{1}, v.size()};
+  std::memcpy(const_cast<char*>(t->chars()), v.data(), v.size());
+  set_plain(Kind::String, t);
+  raw_[1] = kOwns;
+}
+
+// Called on a byte copy of o: takes this copy's own share of what o owns.
+void Variant::copy_owned(const Variant& o) {
+  switch (o.kind()) {
+    case Kind::String:
+      pointer<Text>()->refs.fetch_add(1, std::memory_order_relaxed);
+      break;
+    case Kind::Object:
+      ::new (raw_ + kValueAt) ObjectPtr(*o.object_slot());
+      break;
+    default: {  // Array: a copy of its own; a moved-from array stays empty
+      const kxui::Array* from = o.pointer<kxui::Array>();
+      set_plain(Kind::Array, from ? new kxui::Array(*from) : nullptr);
+      break;
+    }
+  }
+}
+
+void Variant::release_owned() noexcept {
+  switch (kind()) {
+    case Kind::String: {
+      Text* t = pointer<Text>();
+      if (t->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        t->~Text();
+        ::operator delete(t);
+      }
+      break;
+    }
+    case Kind::Object: object_slot()->~ObjectPtr(); break;
+    default: delete pointer<kxui::Array>(); break;
+  }
+}
+
+void Variant::take(Variant& o) noexcept {
+  if (o.kind() == Kind::Object) {
+    raw_[0] = o.raw_[0];
+    raw_[1] = kOwns;
+    ::new (raw_ + kValueAt) ObjectPtr(std::move(*o.object_slot()));
+    return;
+  }
+  std::memcpy(raw_, o.raw_, sizeof raw_);
+  if (o.raw_[1] != kOwns) return;
+  if (o.kind() == Kind::String) {
+    o.raw_[1] = 0;  // the empty text
+  } else {
+    o.set_plain<kxui::Array*>(Kind::Array, nullptr);
+  }
+}
 
 Variant& Variant::operator=(const Variant& o) {
-  if (this == &o) return *this;
-  if (v_.index() != o.v_.index()) return *this = Variant(o);
-  std::visit(
-      [&o](auto& dst) {
-        using T = std::decay_t<decltype(dst)>;
-        const T& src = *std::get_if<T>(&o.v_);
-        if constexpr (std::is_same_v<T, ArrayBox>) {
-          dst = src ? std::make_unique<kxui::Array>(*src) : ArrayBox{};
-        } else {
-          dst = src;  // a string reuses its buffer
-        }
-      },
-      v_);
+  if (this != &o) *this = Variant(o);
   return *this;
 }
 
 Variant Variant::null() {
   Variant v;
-  v.v_.emplace<NullT>();
+  v.raw_[0] = static_cast<uint8_t>(Kind::Null);
   return v;
 }
 
 Variant Variant::missing() {
   Variant v;
-  v.v_.emplace<MissingT>();
+  v.raw_[0] = static_cast<uint8_t>(Kind::Missing);
   return v;
 }
 
@@ -209,7 +254,7 @@ std::string Variant::to_string() const {
     case Kind::Double: return detail::format_double(get_double());
     case Kind::Currency: return detail::format_currency(get_currency());
     case Kind::Date: return detail::format_date(get_date());
-    case Kind::String: return get_string();
+    case Kind::String: return std::string(get_string());
     default: bad_kind(*this);
   }
 }
@@ -240,20 +285,23 @@ std::optional<std::string> Variant::try_to_string() const noexcept {
 
 ObjectPtr Variant::to_object() const {
   if (kind() != Kind::Object) bad_kind(*this);
-  return std::get<ObjectPtr>(v_);
+  return *object_slot();
 }
 
 kxui::Array& Variant::array() {
   if (kind() != Kind::Array) bad_kind(*this);
-  auto& box = std::get<ArrayBox>(v_);
-  if (!box) box = std::make_unique<kxui::Array>();  // moved-from
-  return *box;
+  kxui::Array* a = pointer<kxui::Array>();
+  if (!a) {  // moved-from
+    a = new kxui::Array();
+    set_plain(Kind::Array, a);
+  }
+  return *a;
 }
 
 const kxui::Array& Variant::array() const {
   if (kind() != Kind::Array) bad_kind(*this);
-  const auto& box = std::get<ArrayBox>(v_);
-  return box ? *box : kNoArray;
+  const kxui::Array* a = pointer<kxui::Array>();
+  return a ? *a : kNoArray;
 }
 
 bool operator==(const Variant& a, const Variant& b) {
@@ -272,8 +320,15 @@ bool operator==(const Variant& a, const Variant& b) {
   }
   switch (ka) {
     case Kind::Array: return same_array(a.array(), b.array());
-    case Kind::Object: return std::get<ObjectPtr>(a.v_) == std::get<ObjectPtr>(b.v_);
-    default: return a.v_ == b.v_;
+    case Kind::Object: return *a.object_slot() == *b.object_slot();
+    case Kind::Boolean: return a.get_bool() == b.get_bool();
+    case Kind::Int16: return a.get_int16() == b.get_int16();
+    case Kind::Int32: return a.get_int32() == b.get_int32();
+    case Kind::Double: return a.get_double() == b.get_double();
+    case Kind::Currency: return a.get_currency() == b.get_currency();
+    case Kind::Date: return a.get_date() == b.get_date();
+    case Kind::String: return a.get_string() == b.get_string();
+    default: return true;  // Empty, Missing
   }
 }
 

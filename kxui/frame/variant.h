@@ -3,12 +3,15 @@
 // Failure (6 Overflow, 13 Type mismatch, 94 Invalid use of Null, 9 Subscript out of range).
 #pragma once
 
+#include <atomic>
 #include <compare>
+#include <cstring>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <new>
 #include <variant>
 #include <vector>
 
@@ -106,36 +109,50 @@ class Variant {
   };
 
   // Implicit only from the exact C++ type of a kind.
-  Variant() = default;
-  Variant(bool v) : v_(v) {}
-  Variant(int16_t v) : v_(v) {}
-  Variant(int32_t v) : v_(v) {}
-  Variant(double v) : v_(v) {}
-  Variant(kxui::Currency v) : v_(v) {}
-  Variant(kxui::Date v) : v_(v) {}
-  Variant(std::string v) : v_(std::move(v)) {}
-  Variant(std::string_view v) : v_(std::string(v)) {}
-  Variant(const char* v) : v_(std::string(v)) {}
-  Variant(ObjectPtr v) : v_(std::move(v)) {}
+  Variant() noexcept = default;
+  Variant(bool v) noexcept { set_plain(Kind::Boolean, v); }
+  Variant(int16_t v) noexcept { set_plain(Kind::Int16, v); }
+  Variant(int32_t v) noexcept { set_plain(Kind::Int32, v); }
+  Variant(double v) noexcept { set_plain(Kind::Double, v); }
+  Variant(kxui::Currency v) noexcept { set_plain(Kind::Currency, v.scaled); }
+  Variant(kxui::Date v) noexcept { set_plain(Kind::Date, v.seconds()); }
+  Variant(const std::string& v) { set_text(v); }
+  Variant(std::string_view v) { set_text(v); }
+  Variant(const char* v) { set_text(std::string_view(v)); }
+  Variant(ObjectPtr v) noexcept;
   template <class T>
     requires std::is_base_of_v<kxui::Object, T>
-  Variant(std::shared_ptr<T> v) : v_(ObjectPtr(std::move(v))) {}
+  Variant(std::shared_ptr<T> v) : Variant(ObjectPtr(std::move(v))) {}
   Variant(kxui::Array v);
   // No pointer other than a string literal becomes a Variant by accident.
   template <class T>
   Variant(T*) = delete;
   Variant(std::nullptr_t) = delete;
 
-  Variant(const Variant&);
-  Variant(Variant&&) noexcept = default;
-  Variant& operator=(const Variant&);
-  Variant& operator=(Variant&&) noexcept = default;
-  ~Variant() = default;
+  // Copying plain values and short texts is a copy of the bytes; long texts are shared
+  // (they never change), objects are shared, arrays are copied.
+  Variant(const Variant& o) {
+    std::memcpy(raw_, o.raw_, sizeof raw_);
+    if (o.raw_[1] == kOwns) [[unlikely]] copy_owned(o);
+  }
+  Variant(Variant&& o) noexcept { take(o); }
+  Variant& operator=(const Variant& o);
+  Variant& operator=(Variant&& o) noexcept {
+    if (this != &o) {
+      // o may live inside the array this holds: take its value before letting ours go.
+      Variant held;
+      held.take(o);
+      release();
+      take(held);
+    }
+    return *this;
+  }
+  ~Variant() { release(); }
 
   static Variant null();
   static Variant missing();
 
-  Kind kind() const { return static_cast<Kind>(v_.index()); }
+  Kind kind() const { return static_cast<Kind>(raw_[0]); }
   bool is_empty() const { return kind() == Kind::Empty; }
   bool is_null() const { return kind() == Kind::Null; }
   bool is_missing() const { return kind() == Kind::Missing; }
@@ -171,34 +188,68 @@ class Variant {
   const kxui::Array& array() const;
 
   // Direct access for callers that switched on kind() first (no conversion).
-  bool get_bool() const { return std::get<bool>(v_); }
-  int16_t get_int16() const { return std::get<int16_t>(v_); }
-  int32_t get_int32() const { return std::get<int32_t>(v_); }
-  double get_double() const { return std::get<double>(v_); }
-  kxui::Currency get_currency() const { return std::get<kxui::Currency>(v_); }
-  kxui::Date get_date() const { return std::get<kxui::Date>(v_); }
-  const std::string& get_string() const { return std::get<std::string>(v_); }
+  bool get_bool() const { return plain<bool>(); }
+  int16_t get_int16() const { return plain<int16_t>(); }
+  int32_t get_int32() const { return plain<int32_t>(); }
+  double get_double() const { return plain<double>(); }
+  kxui::Currency get_currency() const { return kxui::Currency::from_scaled(plain<int64_t>()); }
+  kxui::Date get_date() const { return kxui::Date::from_seconds(plain<int64_t>()); }
+  // Valid while this Variant lives unchanged.
+  std::string_view get_string() const {
+    if (raw_[1] != kOwns) return std::string_view(reinterpret_cast<const char*>(raw_ + 2), raw_[1]);
+    const Text* t = pointer<Text>();
+    return std::string_view(t->chars(), t->size);
+  }
 
   // Equality of kind and value; Null equals nothing, not even Null. Arrays compare by
   // contents, objects by identity.
   friend bool operator==(const Variant& a, const Variant& b);
 
  private:
-  struct EmptyT {
-    friend bool operator==(EmptyT, EmptyT) { return true; }
+  // A long text, shared by every copy of the Variant that holds it.
+  struct Text {
+    std::atomic<uint32_t> refs;
+    size_t size;
+    const char* chars() const { return reinterpret_cast<const char*>(this + 1); }
   };
-  struct NullT {
-    friend bool operator==(NullT, NullT) { return true; }
-  };
-  struct MissingT {
-    friend bool operator==(MissingT, MissingT) { return true; }
-  };
-  // Arrays are values: copying a Variant copies its array.
-  using ArrayBox = std::unique_ptr<kxui::Array>;
-  using Storage = std::variant<EmptyT, NullT, MissingT, bool, int16_t, int32_t, double,
-                               kxui::Currency, kxui::Date, std::string, ObjectPtr, ArrayBox>;
-  Storage v_;
+  // Layout: byte 0 the kind, byte 1 kOwns when the value owns something (a long text, an
+  // object, an array) or else the length of a short text, whose bytes follow from byte 2;
+  // every other value lives from byte 8.
+  static constexpr uint8_t kOwns = 0xFF;
+  static constexpr size_t kShortText = 22;
+  static constexpr size_t kValueAt = 8;
+
+  template <class T>
+  void set_plain(Kind k, T v) noexcept {
+    raw_[0] = static_cast<uint8_t>(k);
+    std::memcpy(raw_ + kValueAt, &v, sizeof v);
+  }
+  template <class T>
+  T plain() const noexcept {
+    T v;
+    std::memcpy(&v, raw_ + kValueAt, sizeof v);
+    return v;
+  }
+  template <class T>
+  T* pointer() const noexcept {
+    return plain<T*>();
+  }
+  ObjectPtr* object_slot() const noexcept {
+    return std::launder(reinterpret_cast<ObjectPtr*>(const_cast<unsigned char*>(raw_ + kValueAt)));
+  }
+  void set_text(std::string_view v);
+  void copy_owned(const Variant& o);
+  void release_owned() noexcept;
+  void release() noexcept {
+    if (raw_[1] == kOwns) release_owned();
+  }
+  // Moves o's value here (this holds nothing); o keeps its kind with an empty value.
+  void take(Variant& o) noexcept;
+
+  alignas(8) unsigned char raw_[24] = {};
 };
+
+static_assert(sizeof(Variant) <= 24, "record sets copy millions of Variants");
 
 // Defined here, once Variant is complete: std::vector<Variant>::size needs it.
 inline size_t Array::size() const { return data_.size(); }

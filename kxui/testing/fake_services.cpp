@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "kxui/business/progids.h"
+#include "kxui/testing/row_sources.h"
 
 namespace kxui::testing {
 
@@ -86,18 +87,7 @@ FakeServices FakeServices::install(TestEnv& env) {
 
 RecordsetPtr make_recordset(const std::vector<FieldInfo>& columns,
                             const std::vector<std::vector<Variant>>& rows) {
-  auto rs = std::make_shared<Recordset>();
-  for (const FieldInfo& c : columns) {
-    rs->GetFields().Append(c.name, c.type, c.defined_size, c.attributes);
-  }
-  rs->Open();
-  for (const auto& row : rows) {
-    rs->AddNew();
-    for (size_t i = 0; i < row.size(); ++i) rs->set_value(static_cast<int32_t>(i), row[i]);
-    rs->Update();
-  }
-  if (rs->RecordCount() > 0) rs->MoveFirst();
-  return rs;
+  return open_recordset(columns, rows, on_demand_rows());
 }
 
 }  // namespace kxui::testing

@@ -1,0 +1,165 @@
+// One user's requisition list, read on demand, against the statement that reads the
+// whole list at once: same rows, same order, for every sort and filter, however the
+// cursor walks.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "kxui/business/progids.h"
+#include "kxui/business/requisition.h"
+#include "kxui/frame/errors.h"
+#include "kxui/frame/failure.h"
+#include "reference/database.h"
+#include "reference/rows.h"
+#include "reference/test_fixture.h"
+
+namespace kxui::reference {
+namespace {
+
+using testing::make_fixture;
+
+constexpr Column kColumns[] = {
+    {"ReqID", Kind::kInt},          {"ReqName", Kind::kText, 100},
+    {"ReqStatusID", Kind::kInt},    {"RequisitionerName", Kind::kText, 100},
+    {"BorgName", Kind::kText, 100}, {"CreateDate", Kind::kDate},
+    {"SubmitDate", Kind::kDate},    {"NumberOfItems", Kind::kInt},
+    {"CurrencyCode", Kind::kText, 3}};
+
+// 150 requisitions of alice in both organisations, with repeated dates, names and
+// statuses so that the key decides ties; a few of bob's, which no list of hers shows.
+void add_requisitions(Database& db, int32_t alice, int32_t bob, int32_t acme, int32_t berg) {
+  db.write([&](soci::session& sql) {
+    std::string name, created, submitted;
+    int status = 0, user = 0, borg = 0;
+    soci::indicator submitted_ind = soci::i_ok;
+    soci::statement insert =
+        (sql.prepare << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, "
+                        "borg_id, currency_code, create_date, submit_date) VALUES (:n, :s, :u, "
+                        ":b, 'USD', :c, :d)",
+         soci::use(name), soci::use(status), soci::use(user), soci::use(borg), soci::use(created),
+         soci::use(submitted, submitted_ind));
+    for (int i = 0; i < 160; ++i) {
+      user = i < 150 ? alice : bob;
+      name = "Req " + std::to_string(i % 7);
+      status = 1 + i % 5;
+      borg = i % 4 == 0 ? berg : acme;
+      created = "2025-0" + std::to_string(1 + i % 9) + "-1" + std::to_string(i % 3) + " 08:00:00";
+      submitted = "2025-10-0" + std::to_string(1 + i % 8) + " 09:30:00";
+      submitted_ind = i % 6 == 0 ? soci::i_null : soci::i_ok;
+      insert.execute(true);
+    }
+  });
+}
+
+// The whole list by the statement that reads every row, ordered as `order` says.
+RecordsetPtr whole_list(Database& db, int32_t user, const std::string& borg,
+                        const std::string& statuses, const std::string& order) {
+  return db.read([&](soci::session& sql) {
+    const std::string query =
+        "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
+        "COALESCE(r.submit_date, r.create_date), "
+        "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
+        "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
+        "JOIN borgs b ON b.borg_id = r.borg_id WHERE r.requisitioner_id = :u "
+        "AND (:borg = '' OR b.name = :borg2)" +
+        (statuses.empty() ? std::string() : " AND r.status_id IN (" + statuses + ")") +
+        " ORDER BY " + order;
+    soci::rowset<soci::row> rows =
+        (sql.prepare << query, soci::use(user), soci::use(borg), soci::use(borg));
+    return to_recordset(rows, kColumns);
+  });
+}
+
+// Every row in order, cell by cell, visiting the rows of `list` in the order `walk` gives.
+void expect_same_rows(Recordset& list, Recordset& whole, const std::vector<int32_t>& walk) {
+  ASSERT_EQ(list.RecordCount(), whole.RecordCount());
+  for (int32_t pos : walk) {
+    SCOPED_TRACE(pos);
+    list.SetAbsolutePosition(pos);
+    whole.SetAbsolutePosition(pos);
+    for (int32_t c = 0; c < whole.GetFields().Count(); ++c) {
+      EXPECT_EQ(list.value(c), whole.value(c)) << whole.GetFields().info(c).name;
+    }
+  }
+}
+
+TEST(OnDemandList, SameRowsAsTheWholeListForEverySortAndFilter) {
+  auto f = make_fixture();
+  add_requisitions(*f->db, f->ids.alice, f->ids.bob, f->ids.acme, f->ids.berg);
+  auto alice = f->session(f->ids.alice);
+  auto tier = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+
+  struct Sort {
+    const char* by;
+    const char* order;
+  };
+  const Sort sorts[] = {
+      {"", "r.create_date DESC, r.req_id DESC"},
+      {"ReqID", "r.req_id"},
+      {"reqid desc", "r.req_id DESC"},
+      {"CreateDate", "r.create_date, r.req_id"},
+      {"SubmitDate DESC", "r.submit_date DESC, r.req_id DESC"},
+      {"ReqName", "r.req_name, r.req_id"},
+      {"ReqStatusID DESC", "r.status_id DESC, r.req_id DESC"},
+      {"RequisitionerName", "u.full_name, r.req_id"},
+  };
+  struct Filter {
+    const char* login;
+    const char* borg;
+    const char* statuses;
+  };
+  const Filter filters[] = {{"", "", ""},         {"ALICE", "", ""},        {"", "Berg", ""},
+                            {"", "", "2, 4"},       {"alice", "Acme", "1, 3,5"}, {"", "Nowhere", ""}};
+  for (const Sort& sort : sorts) {
+    for (const Filter& filter : filters) {
+      SCOPED_TRACE(std::string(sort.by) + " / " + filter.login + " / " + filter.borg + " / " +
+                   filter.statuses);
+      Variant cd;
+      RecordsetPtr list =
+          tier->GetRequisitionList(alice, filter.login, filter.borg, sort.by, filter.statuses, cd);
+      ASSERT_TRUE(list) << tier->GetError()->Description();
+      RecordsetPtr whole =
+          whole_list(*f->db, f->ids.alice, filter.borg, filter.statuses, sort.order);
+      const int32_t n = whole->RecordCount();
+      EXPECT_EQ(list->AbsolutePosition(), n > 0 ? 1 : adPosUnknown);
+      // A middle page first, then backwards from the end, then everything forwards.
+      std::vector<int32_t> walk;
+      for (int32_t p = std::max(1, n / 2); p < n / 2 + 20 && p <= n; ++p) walk.push_back(p);
+      for (int32_t p = n; p > n - 30 && p > 0; --p) walk.push_back(p);
+      for (int32_t p = 1; p <= n; ++p) walk.push_back(p);
+      expect_same_rows(*list, *whole, walk);
+    }
+  }
+}
+
+// A list whose rows change after it was counted fails on the rows it can no longer read,
+// rather than showing other rows in their place.
+TEST(OnDemandList, RowsGoneAfterTheCountFailTheRead) {
+  auto f = make_fixture();
+  add_requisitions(*f->db, f->ids.alice, f->ids.bob, f->ids.acme, f->ids.berg);
+  auto tier = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+  Variant cd;
+  RecordsetPtr list = tier->GetRequisitionList(f->session(f->ids.alice), "", "", "ReqID", "", cd);
+  ASSERT_TRUE(list);
+  ASSERT_EQ(list->RecordCount(), 150);
+  const Variant first = list->value(0);  // reads the first rows
+  f->db->write([&](soci::session& sql) {
+    sql << "DELETE FROM requisitions WHERE req_id IN (SELECT req_id FROM requisitions "
+           "WHERE requisitioner_id = :u ORDER BY req_id DESC LIMIT 10)",
+        soci::use(f->ids.alice);
+  });
+  list->SetAbsolutePosition(150);
+  try {
+    (void)list->value(0);
+    ADD_FAILURE() << "read a row that is gone";
+  } catch (const Failure& e) {
+    EXPECT_EQ(e.number(), err::kNoCurrentRecord);
+  }
+  list->MoveFirst();
+  EXPECT_EQ(list->value(0), first) << "rows read before stay";
+}
+
+}  // namespace
+}  // namespace kxui::reference
