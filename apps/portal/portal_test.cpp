@@ -579,7 +579,8 @@ TEST_F(PortalTest, AnyProcessServesAnySession) {
   }
   EXPECT_LE(third.server->portal().cached_sessions(), 2u);
   // Signing out there ends the session here too.
-  EXPECT_EQ(c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}})->status, 303);
+  auto out = c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}});
+  EXPECT_EQ(out->status, 303) << out->body;
   EXPECT_EQ(c.Get("/reqs", me.headers)->status, 303);
 }
 
