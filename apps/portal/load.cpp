@@ -99,16 +99,17 @@ void user_loop(int port, int index, Clock::time_point until, Totals& t) {
     httplib::Params fields{{"csrf", hidden(rform->body, "csrf")},
                            {"once", hidden(rform->body, "once")},
                            {"cartons", "1"}};
+    const size_t form_fields = fields.size();
     const std::regex line_input("name=\"rq(\\d+)\"");
     for (std::sregex_iterator it(rform->body.begin(), rform->body.end(), line_input), end;
          it != end; ++it) {
       const std::string line = (*it)[1].str();
-      const bool first = fields.size() == 2;
+      const bool first = fields.size() == form_fields;
       fields.emplace("rq" + line, "0");
       fields.emplace("ps" + line, first ? "1" : "0");
       fields.emplace("cm" + line, first ? "load test" : "");
     }
-    if (fields.size() == 2) continue;
+    if (fields.size() == form_fields) continue;
     auto posted = cli.Post("/receive/" + po, session, fields);
     if (count(posted, "POST /receive/" + po, 303)) ++t.receipts;
   }
