@@ -9,9 +9,11 @@
 
 namespace kxui::reference {
 
+// A user who never delegated loads an empty delegation (nobody, not enabled) with True:
+// False is kept for failures, so that callers can still ask whether the organisation
+// allows delegation before the first one is saved.
 bool RefBorgDelegation::Load(const SessionPtr& session, Variant&) {
-  bool found = false;
-  answer("Load", false, [&] {
+  return answer("Load", false, [&] {
     const Session& s = session_of(session);
     const int user = s.SysUserID();
     db().read([&](soci::session& sql) {
@@ -20,10 +22,14 @@ bool RefBorgDelegation::Load(const SessionPtr& session, Variant&) {
              "u.borg_id WHERE u.sys_user_id = :u",
           soci::use(user), soci::into(borg), soci::into(allowed);
       if (!sql.got_data()) refuse(Refusal::kNotFound, "User " + std::to_string(user) + " does not exist.");
-      // Defaults for a user without a delegation yet.
       borg_id_ = borg;
       sys_user_id_ = user;
       delegation_enabled_ = allowed != 0;
+      delegatee_id_ = 0;
+      delegatee_name_.clear();
+      delegatee_login_.clear();
+      start_ = end_ = Date();
+      enabled_ = false;
       int delegatee = 0, enabled = 0;
       std::string start, end;
       sql << "SELECT delegatee_id, start_date, end_date, enabled FROM delegations "
@@ -31,7 +37,6 @@ bool RefBorgDelegation::Load(const SessionPtr& session, Variant&) {
           soci::use(user), soci::into(delegatee), soci::into(start), soci::into(end),
           soci::into(enabled);
       if (!sql.got_data()) return;
-      found = true;
       delegatee_id_ = delegatee;
       start_ = parse_date_text(start);
       end_ = parse_date_text(end);
@@ -41,7 +46,6 @@ bool RefBorgDelegation::Load(const SessionPtr& session, Variant&) {
     });
     return true;
   });
-  return found;
 }
 
 bool RefBorgDelegation::Save(const SessionPtr& session, Variant&) {

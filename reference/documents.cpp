@@ -34,27 +34,31 @@ std::string from_hex(const std::string& hex) {
   return out;
 }
 
-void require_owner(soci::session& sql, AttachmentOwner owner, int32_t id, int32_t line) {
-  int found = 0;
-  switch (owner) {
-    case AttachmentOwner::kReq:
-      sql << "SELECT COUNT(*) FROM requisitions WHERE req_id = :i", soci::use(id),
-          soci::into(found);
-      break;
-    case AttachmentOwner::kReqItem:
-      sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :i AND line_num = :l", soci::use(id),
-          soci::use(line), soci::into(found);
-      break;
-    case AttachmentOwner::kPO:
-      sql << "SELECT COUNT(*) FROM purchase_orders WHERE po_id = :i", soci::use(id),
-          soci::into(found);
-      break;
-    case AttachmentOwner::kPOItem:
-      sql << "SELECT COUNT(*) FROM po_lines WHERE po_id = :i AND line_num = :l", soci::use(id),
-          soci::use(line), soci::into(found);
-      break;
+// The owner (and its line) must exist and belong to the caller's organisation: files are
+// reached by identifiers a page shows, so knowing one is no permission to read it.
+void require_owner(soci::session& sql, AttachmentOwner owner, int32_t id, int32_t line,
+                   const Session& s) {
+  int borg = 0, lines = 1;
+  const bool is_req = owner == AttachmentOwner::kReq || owner == AttachmentOwner::kReqItem;
+  if (is_req) {
+    sql << "SELECT borg_id FROM requisitions WHERE req_id = :i", soci::use(id), soci::into(borg);
+  } else {
+    sql << "SELECT r.borg_id FROM purchase_orders p JOIN requisitions r ON r.req_id = p.req_id "
+           "WHERE p.po_id = :i",
+        soci::use(id), soci::into(borg);
   }
-  if (found == 0) refuse(Refusal::kNotFound, "The document the file belongs to does not exist.");
+  if (!sql.got_data()) refuse(Refusal::kNotFound, "The document the file belongs to does not exist.");
+  if (borg != s.BorgID()) {
+    refuse(Refusal::kNotAllowed, "The document the file belongs to is another organisation's.");
+  }
+  if (owner == AttachmentOwner::kReqItem) {
+    sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :i AND line_num = :l", soci::use(id),
+        soci::use(line), soci::into(lines);
+  } else if (owner == AttachmentOwner::kPOItem) {
+    sql << "SELECT COUNT(*) FROM po_lines WHERE po_id = :i AND line_num = :l", soci::use(id),
+        soci::use(line), soci::into(lines);
+  }
+  if (lines == 0) refuse(Refusal::kNotFound, "The document the file belongs to does not exist.");
 }
 
 }  // namespace
@@ -62,7 +66,7 @@ void require_owner(soci::session& sql, AttachmentOwner owner, int32_t id, int32_
 RecordsetPtr RefAttachment::GetAttachmentList(const SessionPtr& session, int32_t owner_id,
                                               int32_t line_num, Variant&) {
   return answer("GetAttachmentList", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t line = is_line() ? line_num : 0;
     const int kind = static_cast<int>(owner_);
     static constexpr Column kColumns[] = {{"AttachmentID", Kind::kInt},
@@ -70,6 +74,7 @@ RecordsetPtr RefAttachment::GetAttachmentList(const SessionPtr& session, int32_t
                                           {"FileSize", Kind::kInt},
                                           {"DateAttached", Kind::kDate}};
     return db().read([&](soci::session& sql) {
+      require_owner(sql, owner_, owner_id, line, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT attachment_id, file_name, file_size, date_attached FROM "
                           "attachments WHERE owner_kind = :k AND owner_id = :o AND line_num = "
@@ -84,7 +89,8 @@ bool RefAttachment::AddAttachment(const SessionPtr& session, int32_t owner_id, i
                                   const std::string& file_name, const std::string& content,
                                   int32_t& attachment_id, Variant&) {
   return answer("AddAttachment", false, [&] {
-    const int32_t user = session_of(session).SysUserID();
+    const Session& s = session_of(session);
+    const int32_t user = s.SysUserID();
     if (file_name.empty()) refuse(Refusal::kInvalidArgument, "A file needs a name.");
     const int32_t line = is_line() ? line_num : 0;
     const int kind = static_cast<int>(owner_);
@@ -92,7 +98,7 @@ bool RefAttachment::AddAttachment(const SessionPtr& session, int32_t owner_id, i
     const long long size = static_cast<long long>(content.size());
     const std::string now = date_text(db().now());
     attachment_id = db().write([&](soci::session& sql) {
-      require_owner(sql, owner_, owner_id, line);
+      require_owner(sql, owner_, owner_id, line, s);
       int id = 0;
       sql << "INSERT INTO attachments (owner_kind, owner_id, line_num, file_name, file_size, "
              "content_hex, date_attached, sys_user_id) VALUES (:k, :o, :l, :n, :s, :c, :d, :u) "
@@ -109,11 +115,12 @@ bool RefAttachment::GetAttachment(const SessionPtr& session, int32_t owner_id, i
                                   int32_t attachment_id, std::string& file_name,
                                   std::string& content, Variant&) {
   return answer("GetAttachment", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t line = is_line() ? line_num : 0;
     const int kind = static_cast<int>(owner_);
     std::string name, hex;
     const bool found = db().read([&](soci::session& sql) {
+      require_owner(sql, owner_, owner_id, line, s);
       sql << "SELECT file_name, content_hex FROM attachments WHERE attachment_id = :a AND "
              "owner_kind = :k AND owner_id = :o AND line_num = :l",
           soci::use(attachment_id), soci::use(kind), soci::use(owner_id), soci::use(line),
@@ -130,10 +137,11 @@ bool RefAttachment::GetAttachment(const SessionPtr& session, int32_t owner_id, i
 bool RefAttachment::DeleteAttachment(const SessionPtr& session, int32_t owner_id,
                                      int32_t line_num, int32_t attachment_id, Variant&) {
   return answer("DeleteAttachment", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t line = is_line() ? line_num : 0;
     const int kind = static_cast<int>(owner_);
     return db().write([&](soci::session& sql) {
+      require_owner(sql, owner_, owner_id, line, s);
       int found = 0;
       sql << "SELECT COUNT(*) FROM attachments WHERE attachment_id = :a AND owner_kind = :k AND "
              "owner_id = :o AND line_num = :l",

@@ -14,7 +14,8 @@ namespace kxui::reference {
 // Whose files an attachment object serves.
 enum class AttachmentOwner : int32_t { kReq = 1, kReqItem = 2, kPO = 3, kPOItem = 4 };
 
-// The owner (and for line objects the line) must exist. Bytes are stored hex-encoded in a
+// The owner (and for line objects the line) must exist and belong to the caller's
+// organisation, for reading and deleting as for adding. Bytes are stored hex-encoded in a
 // text column so that both backends keep every byte, NULs included, unchanged.
 class RefAttachment : public business::Attachment, public RefObject {
  public:

@@ -121,6 +121,43 @@ TEST(Attachments, RefusalsStoreNothing) {
   EXPECT_EQ(stored, 0);
 }
 
+TEST(Attachments, AnotherOrganisationCanNeitherListReadNorDeleteAFile) {
+  auto f = make_fixture();
+  const int32_t rid = new_requisition(*f);
+  const int32_t po = new_order(*f, rid, "2026-03-02 09:00:00");
+  auto alice = f->session(f->ids.alice), frank = f->session(f->ids.frank);
+  UIAttach attach(f->runtime);
+  struct Case {
+    const char* name;
+    int32_t option, id, line;
+  } cases[] = {{"requisition", 1, rid, 0}, {"requisition line", 2, rid, 1},
+               {"order", 3, po, 0},        {"order line", 4, po, 1}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Variant new_id;
+    ASSERT_TRUE(attach.AddAttachment(alice, c.option, c.id, c.line, "terms.txt", "secret", new_id))
+        << attach.Error()->Description();
+    const int32_t file = new_id.to_int32();
+
+    EXPECT_FALSE(attach.GetAttachmentListRs(frank, c.option, c.id, c.line));
+    EXPECT_EQ(attach.Error()->Number(), error_number(Refusal::kNotAllowed));
+    Variant name, content;
+    EXPECT_FALSE(attach.GetAttachment(frank, c.option, c.id, c.line, file, name, content));
+    EXPECT_EQ(attach.Error()->Number(), error_number(Refusal::kNotAllowed));
+    EXPECT_THAT(attach.Error()->Description(), HasSubstr("another organisation"));
+    EXPECT_NE(content.to_string(), "secret");
+    EXPECT_FALSE(attach.DeleteAttachment(frank, c.option, c.id, c.line, file));
+    EXPECT_EQ(attach.Error()->Number(), error_number(Refusal::kNotAllowed));
+    Variant added;
+    EXPECT_FALSE(attach.AddAttachment(frank, c.option, c.id, c.line, "x.txt", "x", added));
+    EXPECT_EQ(attach.Error()->Number(), error_number(Refusal::kNotAllowed));
+
+    EXPECT_THAT(column(attach.GetAttachmentListRs(alice, c.option, c.id, c.line), "FileName"),
+                ElementsAre("terms.txt"))
+        << "the refused delete and add changed nothing";
+  }
+}
+
 TEST(Reports, CsvFilesAreMadeFromRealRows) {
   auto f = make_fixture();
   const int32_t rid = new_requisition(*f);

@@ -170,6 +170,34 @@ TEST(Objects, DelegationIsCheckedBeforeItIsStored) {
   EXPECT_EQ(column(found, "LoginID"), (std::vector<std::string>{"alice", "carol", "dave", "erin"}));
 }
 
+TEST(Objects, AUserWhoNeverDelegatedLoadsAnEmptyDelegation) {
+  auto f = make_fixture();
+  f->db->write([&](soci::session& sql) {
+    sql << "UPDATE borgs SET delegation_enabled = 0 WHERE borg_id = :b", soci::use(f->ids.berg);
+  });
+  struct Case {
+    const char* who;
+    int32_t user, borg;
+    bool allowed;
+  } cases[] = {{"organisation allows delegation", f->ids.bob, f->ids.acme, true},
+               {"organisation forbids delegation", f->ids.frank, f->ids.berg, false}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.who);
+    UIWF wf(f->runtime);
+    auto s = f->session(c.user);
+    EXPECT_EQ(wf.CheckDelegationEnabled(s), c.allowed);
+    EXPECT_TRUE(wf.Success());
+    Variant borg, user, delegatee, name, login, from, to, enabled;
+    ASSERT_TRUE(wf.GetBorgDelegationData(s, borg, user, delegatee, name, login, from, to, enabled))
+        << wf.Error()->Description();
+    EXPECT_EQ(borg, Variant(c.borg));
+    EXPECT_EQ(user, Variant(c.user));
+    EXPECT_EQ(delegatee, Variant(int32_t{0}));
+    EXPECT_EQ(name, Variant(std::string()));
+    EXPECT_EQ(enabled, Variant(false));
+  }
+}
+
 TEST(Objects, SettingsLogAndPasswordsLiveInTables) {
   auto f = make_fixture();
   auto s = f->session(f->ids.alice);

@@ -387,6 +387,14 @@ void create_list_indexes(soci::session& sql, Backend) {
          "create_date, req_id)";
 }
 
+// One-time tokens of the portal's forms that must not be sent twice, each good for one
+// POST of its session.
+void create_portal_form_tokens(soci::session& sql, Backend backend) {
+  sql << ddl("CREATE TABLE portal_form_tokens (token VARCHAR(64) PRIMARY KEY, "
+             "sid_hash VARCHAR(64) NOT NULL, expires VARCHAR(19) NOT NULL)",
+             backend);
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -398,6 +406,7 @@ const std::vector<Migration>& migrations() {
       {5, "organisation reports", add_organisation_reports},
       {6, "portal sessions and sign-in throttling", create_portal_tables},
       {7, "list indexes", create_list_indexes},
+      {8, "portal one-time form tokens", create_portal_form_tokens},
   };
   return all;
 }

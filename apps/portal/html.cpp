@@ -86,7 +86,10 @@ std::string table(Recordset& rs, const std::vector<Column>& columns, std::string
   std::string out = "<table><thead><tr>";
   for (const Column& c : columns) {
     out += c.kind == Column::kNumber ? "<th class=\"num\">" : "<th>";
-    out += esc(c.heading) + "</th>";
+    out += c.heading_link.empty()
+               ? esc(c.heading)
+               : "<a class=\"sort\" href=\"" + esc(c.heading_link) + "\">" + esc(c.heading) + "</a>";
+    out += c.heading_mark.empty() ? "</th>" : " " + esc(c.heading_mark) + "</th>";
   }
   out += "</tr></thead><tbody>";
   for (rs.MoveFirst(); !rs.IsEOF(); rs.MoveNext()) {

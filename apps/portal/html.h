@@ -36,6 +36,8 @@ struct Column {
   Kind kind;
   std::string link;    // for kLink: a prefix the row's `link_key` value is appended to
   std::string link_key;
+  std::string heading_link;  // when set, the heading is a link (a sort control)
+  std::string heading_mark;  // shown after the heading, e.g. the current sort direction
 };
 
 // A table of every row of `rs` (from its first), or `empty` when it has none.

@@ -1,6 +1,7 @@
 // Purchase orders: the list, one order with its lines, log and cost distribution, the
 // supplier checks (order status, quick check) and reconciliation; attachments; reports.
 #include "apps/portal/portal.h"
+#include "reference/errors.h"
 
 namespace portal {
 
@@ -35,6 +36,17 @@ void po_list(Ctx& c) {
                 "No purchase orders yet.");
   body += pager(*rs, "/pos?status=" + url_encode(status) + "&number=" + url_encode(number) + "&");
   c.render("Purchase orders", body);
+}
+
+// A refused file operation: someone else's document is forbidden, a missing one not found.
+template <class F>
+int attach_status(F& facade, int otherwise) {
+  using kxui::reference::Refusal;
+  auto e = facade.Error();
+  const int32_t number = e ? e->Number() : 0;
+  if (number == kxui::reference::error_number(Refusal::kNotAllowed)) return 403;
+  if (number == kxui::reference::error_number(Refusal::kNotFound)) return 404;
+  return otherwise;
 }
 
 }  // namespace
@@ -220,7 +232,7 @@ void Portal::mount_orders(httplib::Server& s) {
     Variant name, content;
     if (!attach->GetAttachment(c.session(), c.path_int(1), c.path_int(2), 0, c.path_int(3), name,
                                content)) {
-      return c.render("Attachment", "", "", failure_text(*attach), 404);
+      return c.render("Attachment", "", "", failure_text(*attach), attach_status(*attach, 404));
     }
     // Always a download: a stored file never renders as a page of this site.
     std::string file = text_of(name);
@@ -240,7 +252,8 @@ void Portal::mount_orders(httplib::Server& s) {
     if (attach->AddAttachment(c.session(), option, id, 0, file.filename, file.content, new_id)) {
       return c.redirect(back, "File attached.");
     }
-    c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach), 422);
+    c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
+             attach_status(*attach, 422));
   });
   post(s, R"(/attach/([13])/(\d+)/(\d+)/delete)", [](Ctx& c) {
     auto attach = c.hub().Attach();
@@ -249,7 +262,8 @@ void Portal::mount_orders(httplib::Server& s) {
     if (attach->DeleteAttachment(c.session(), option, id, 0, c.path_int(3))) {
       return c.redirect(back, "File removed.");
     }
-    c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach), 422);
+    c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
+             attach_status(*attach, 422));
   });
 
   get(s, "/reports", [](Ctx& c) {

@@ -44,7 +44,8 @@ void receipt_form(Ctx& c, FormState& f, const std::string& error = "", int statu
                      std::to_string(id) + "\">Earlier receipts</a> · <a href=\"/receive/" +
                      std::to_string(id) + "?all=1\">Fill in everything outstanding</a></p>";
   body += "<form method=\"post\" action=\"/receive/" + std::to_string(id) + "\" class=\"card\">" +
-          csrf_field(c.csrf()) + "<p><b>" + esc(field(*f.header, "PONum")) + "</b> · " +
+          csrf_field(c.csrf()) + "<input type=\"hidden\" name=\"once\" value=\"" +
+          c.portal.store().issue_form_token(c.user.sid) + "\"><p><b>" + esc(field(*f.header, "PONum")) + "</b> · " +
           esc(field(*f.header, "SupplierName")) + " · received on " +
           esc(field(*f.header, "CurrentMonth")) + "/" + esc(field(*f.header, "CurrentDay")) + "/" +
           esc(field(*f.header, "CurrentYear")) + "</p><div class=\"row\"><label for=\"cartons\">"
@@ -87,6 +88,14 @@ bool load_form(Ctx& c, FormState& f, bool all) {
 }
 
 void submit_receipt(Ctx& c) {
+  // Each form records at most one receipt: a second click or a reload sends its token again.
+  if (!c.portal.store().consume_form_token(c.user.sid, c.param("once"))) {
+    const std::string id = std::to_string(c.path_int(1));
+    return c.render("Receive", "<p><a href=\"/receipts/" + id + "\">See the receipts</a> · "
+                    "<a href=\"/receive/" + id + "\">Open a new receipt form</a></p>", "",
+                    "This receipt form was already sent or has expired; nothing was recorded "
+                    "this time.", 409);
+  }
   FormState f;
   if (!load_form(c, f, false)) return;
   // The typed texts go into the form's display columns; the library reads them.

@@ -12,12 +12,28 @@ namespace {
 // The list's status filters: label and the status list the façade takes.
 const std::pair<const char*, const char*> kFilters[] = {
     {"All", ""}, {"Open", "1,3,4"}, {"Submitted", "2"}, {"Approved", "5"}, {"Cancelled", "7"}};
+// The orders people pick from: label and the sort text the façade takes.
 const std::pair<const char*, const char*> kSorts[] = {
-    {"Newest", ""}, {"Oldest", "CreateDate"}, {"Number", "ReqID DESC"}, {"Name", "ReqName"},
-    {"Status", "ReqStatusID"}};
+    {"Newest first", ""},   {"Oldest first", "CreateDate"}, {"Number", "ReqID"},
+    {"Name", "ReqName"},    {"Status", "ReqStatusID"}};
+
+// The sortable columns: clicking a heading sorts by it, clicking it again reverses.
+struct SortableColumn {
+  const char* source;
+  const char* ascending;
+  const char* descending;
+};
+constexpr SortableColumn kSortable[] = {
+    {"ReqID", "ReqID", "ReqID DESC"},
+    {"ReqName", "ReqName", "ReqName DESC"},
+    {"ReqStatusID", "ReqStatusID", "ReqStatusID DESC"},
+    {"RequisitionerName", "RequisitionerName", "RequisitionerName DESC"},
+    {"UIDisplay_CreateDate", "CreateDate", ""},
+    {"UIDisplay_SubmitDate", "SubmitDate", "SubmitDate DESC"}};
 
 void list_page(Ctx& c) {
   const std::string status = c.param("status"), sort = c.param("sort");
+  const std::string base = "/reqs?status=" + url_encode(status) + "&sort=";
   std::string body = "<div class=\"card filters\">Show: ";
   for (const auto& [label, list] : kFilters) {
     body += "<a class=\"" + std::string(status == list ? "on" : "") + "\" href=\"/reqs?status=" +
@@ -25,22 +41,30 @@ void list_page(Ctx& c) {
   }
   body += " · Sort: ";
   for (const auto& [label, key] : kSorts) {
-    body += "<a class=\"" + std::string(sort == key ? "on" : "") + "\" href=\"/reqs?status=" +
-            esc(url_encode(status)) + "&amp;sort=" + url_encode(key) + "\">" + esc(label) + "</a>";
+    body += "<a class=\"" + std::string(sort == key ? "on" : "") + "\" href=\"" +
+            esc(base + url_encode(key)) + "\">" + esc(label) + "</a>";
   }
   body += "</div>";
   auto req = c.hub().Req();
   RecordsetPtr rs = req->GetListPage(c.session(), "", "", sort, status, c.int_param("page"));
   if (!rs) return c.render("Requisitions", body, "", failure_text(*req));
-  body += table(*rs, {{"No.", "ReqID", Column::kNumber},
-                      {"Name", "ReqName", Column::kLink, "/req/", "ReqID"},
-                      {"Status", "ReqStatusID", Column::kReqStatus},
-                      {"Requisitioner", "RequisitionerName"},
-                      {"Created", "UIDisplay_CreateDate"},
-                      {"Submitted", "UIDisplay_SubmitDate"},
-                      {"Items", "NumberOfItems", Column::kNumber}},
-                "You have no requisitions here yet.");
-  body += pager(*rs, "/reqs?status=" + url_encode(status) + "&sort=" + url_encode(sort) + "&");
+  std::vector<Column> columns = {{"No.", "ReqID", Column::kNumber},
+                                 {"Name", "ReqName", Column::kLink, "/req/", "ReqID"},
+                                 {"Status", "ReqStatusID", Column::kReqStatus},
+                                 {"Requisitioner", "RequisitionerName"},
+                                 {"Created", "UIDisplay_CreateDate"},
+                                 {"Submitted", "UIDisplay_SubmitDate"},
+                                 {"Items", "NumberOfItems", Column::kNumber}};
+  for (Column& col : columns) {
+    for (const SortableColumn& k : kSortable) {
+      if (col.source != k.source) continue;
+      const bool up = sort == k.ascending, down = sort == k.descending;
+      col.heading_link = base + url_encode(up ? k.descending : k.ascending);
+      col.heading_mark = up ? "▲" : down ? "▼" : "";
+    }
+  }
+  body += table(*rs, columns, "You have no requisitions here yet.");
+  body += pager(*rs, base + url_encode(sort) + "&");
   c.render("Requisitions", body);
 }
 

@@ -153,14 +153,14 @@ void delegation_page(Ctx& c, const std::string& error = "", int status = 200) {
   auto wf = c.hub().WF();
   Variant borg, user, delegatee, name, login, start, end, enabled;
   std::string body;
-  // The business tier answers "not enabled" also for a user who never delegated, so the
-  // form is always offered and saving gives the tier's own answer.
-  const bool active = wf->CheckDelegationEnabled(c.session());
+  // The form is offered even where the organisation forbids delegation: saving then
+  // gives the tier's own reason.
+  const bool allowed = wf->CheckDelegationEnabled(c.session());
   if (!wf->GetBorgDelegationData(c.session(), borg, user, delegatee, name, login, start, end,
                                  enabled)) {
     delegatee = name = start = end = enabled = Variant();
   }
-  if (!active) body += "<p class=\"muted\">No delegation is in force for you now.</p>";
+  if (!allowed) body += "<p class=\"muted\">Your organisation does not allow delegation.</p>";
   auto date_input = [](const Variant& v) {
     if (v.is_empty() || v.is_null()) return std::string();
     const std::string t = text_of(v);

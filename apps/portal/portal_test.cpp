@@ -342,24 +342,107 @@ TEST_F(PortalTest, ARequisitionFromFirstItemToReceipt) {
   ASSERT_TRUE(std::regex_search(form->body, m, std::regex("name=\"rq(\\d+)\"")));
   const std::string line = m[1].str();
   const int32_t receipts = query_int("SELECT COUNT(*) FROM receipts WHERE po_id = " + po);
+  // Every receipt form carries a one-time token; a refused form comes back with a new one.
+  auto once = [](const httplib::Result& r) {
+    std::smatch t;
+    return std::regex_search(r->body, t, std::regex("name=\"once\" value=\"([0-9a-f]+)\""))
+               ? t[1].str()
+               : std::string();
+  };
   auto refused = c.Post("/receive/" + po, me.headers,
-                        httplib::Params{{"csrf", me.csrf}, {"cartons", "two"}, {"rq" + line, "1"},
-                                        {"ps" + line, "1"}});
+                        httplib::Params{{"csrf", me.csrf}, {"once", once(form)}, {"cartons", "two"},
+                                        {"rq" + line, "1"}, {"ps" + line, "1"}});
   EXPECT_EQ(refused->status, 422);
   EXPECT_TRUE(std::regex_search(refused->body, std::regex("id=\"cartons-error\">[^<]+<")));
   EXPECT_THAT(refused->body, HasSubstr("value=\"two\"")) << "the typed value stays";
   EXPECT_EQ(query_int("SELECT COUNT(*) FROM receipts WHERE po_id = " + po), receipts);
   auto too_many = c.Post("/receive/" + po, me.headers,
-                         httplib::Params{{"csrf", me.csrf}, {"cartons", "1"}, {"rq" + line, "x"}});
+                         httplib::Params{{"csrf", me.csrf}, {"once", once(refused)}, {"cartons", "1"},
+                                         {"rq" + line, "x"}});
   EXPECT_EQ(too_many->status, 422);
   EXPECT_THAT(too_many->body, HasSubstr("id=\"line-error\""));
-  auto received = c.Post("/receive/" + po, me.headers,
-                         httplib::Params{{"csrf", me.csrf}, {"cartons", "1"}, {"rq" + line, "2"},
-                                         {"ps" + line, "2"}});
+  const httplib::Params good{{"csrf", me.csrf}, {"once", once(too_many)}, {"cartons", "1"},
+                             {"rq" + line, "2"}, {"ps" + line, "2"}};
+  auto received = c.Post("/receive/" + po, me.headers, good);
   ASSERT_EQ(received->status, 303) << received->body;
   EXPECT_EQ(query_int("SELECT COUNT(*) FROM receipts WHERE po_id = " + po), receipts + 1);
+
+  // The same form sent again, a used token of an earlier form, or none at all: refused, and
+  // nothing more is recorded.
+  httplib::Params stale = good;
+  stale.find("once")->second = once(form);
+  httplib::Params bare = good;
+  bare.erase("once");
+  struct Replay {
+    const char* name;
+    httplib::Params params;
+  } replays[] = {{"the same form twice", good}, {"an earlier form's token", stale},
+                 {"no token", bare}};
+  for (const Replay& r : replays) {
+    SCOPED_TRACE(r.name);
+    auto again = c.Post("/receive/" + po, me.headers, r.params);
+    EXPECT_EQ(again->status, 409);
+    EXPECT_THAT(again->body, HasSubstr("already sent"));
+    EXPECT_EQ(query_int("SELECT COUNT(*) FROM receipts WHERE po_id = " + po), receipts + 1);
+  }
+  // Another session cannot spend this session's token either.
+  auto other = sign_in("u1_3");
+  auto fresh = c.Get("/receive/" + po, me.headers);
+  httplib::Params foreign = good;
+  foreign.find("once")->second = once(fresh);
+  foreign.find("csrf")->second = other.csrf;
+  EXPECT_EQ(c.Post("/receive/" + po, other.headers, foreign)->status, 409);
   auto history = c.Get("/receipts/" + po, me.headers);
   EXPECT_THAT(history->body, HasSubstr("Desk lamp"));
+}
+
+TEST_F(PortalTest, RequisitionHeadingsAreTheSortControls) {
+  auto me = sign_in(query_text(
+      "SELECT u.login_id FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
+      "WHERE COALESCE(r.template_type, 0) = 0 AND u.login_id LIKE 'u%' GROUP BY u.login_id "
+      "ORDER BY COUNT(*) DESC, u.login_id LIMIT 1"));
+  auto c = client();
+  // The page's visible text: what people read, without tags and link targets.
+  auto visible = [](const std::string& html) {
+    return std::regex_replace(html, std::regex("<[^>]*>"), " ");
+  };
+  auto first_number = [](const std::string& html) {
+    std::smatch m;
+    return std::regex_search(html, m, std::regex("<td class=\"num\">(\\d+)</td>")) ? std::stoi(m[1].str())
+                                                                                    : -1;
+  };
+  struct Case {
+    const char* sort;          // as sent
+    const char* heading;       // the heading clicked next
+    const char* next;          // where that heading leads
+    const char* mark;          // the direction shown after it, "" for none
+  } cases[] = {
+      {"", "Name", "ReqName", ""},
+      {"", "Created", "CreateDate", " ▼"},
+      {"ReqName", "Name", "ReqName%20DESC", " ▲"},
+      {"ReqName%20DESC", "Name", "ReqName", " ▼"},
+      {"ReqID", "No.", "ReqID%20DESC", " ▲"},
+      {"CreateDate", "Created", "", " ▲"},
+      {"ReqStatusID", "Status", "ReqStatusID%20DESC", " ▲"},
+  };
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.sort);
+    auto page = c.Get(std::string("/reqs?status=&sort=") + k.sort, me.headers);
+    ASSERT_EQ(page->status, 200);
+    EXPECT_THAT(page->body, HasSubstr(std::string("<a class=\"sort\" href=\"/reqs?status=&amp;sort=") +
+                                      k.next + "\">" + k.heading + "</a>" + k.mark + "</th>"));
+    const std::string text = visible(page->body);
+    for (const char* raw : {"ReqStatusID", "CreateDate", "ReqName", "DESC"}) {
+      EXPECT_THAT(text, Not(HasSubstr(raw))) << "people read labels, not column names";
+    }
+  }
+  auto sort_links = visible(c.Get("/reqs", me.headers)->body);
+  EXPECT_THAT(sort_links, HasSubstr("Newest first"));
+  EXPECT_THAT(sort_links, HasSubstr("Oldest first"));
+  const int low = first_number(c.Get("/reqs?sort=ReqID", me.headers)->body);
+  const int high = first_number(c.Get("/reqs?sort=ReqID%20DESC", me.headers)->body);
+  EXPECT_GT(low, 0);
+  EXPECT_LT(low, high) << "the heading's second click reverses the order";
 }
 
 TEST_F(PortalTest, PreferencesChangeEveryDateAndAmount) {
@@ -408,6 +491,17 @@ TEST_F(PortalTest, AttachmentsAndReportsAreDownloads) {
   EXPECT_EQ(file->body, "<html><script>x</script>");
   EXPECT_EQ(file->get_header_value("Content-Type"), "application/octet-stream");
   EXPECT_EQ(file->get_header_value("Content-Disposition"), "attachment; filename=\"note _1_.html\"");
+  // A user of another organisation who knows the ids can neither fetch nor remove the file.
+  auto stranger = sign_in("u2_1");
+  auto foreign = c.Get("/attach/1/" + req + "/" + m[1].str(), stranger.headers);
+  EXPECT_EQ(foreign->status, 403);
+  EXPECT_THAT(foreign->body, HasSubstr("another organisation"));
+  EXPECT_THAT(foreign->body, Not(HasSubstr("<script>x")));
+  auto removed = c.Post("/attach/1/" + req + "/" + m[1].str() + "/delete", stranger.headers,
+                        httplib::Params{{"csrf", stranger.csrf}});
+  EXPECT_EQ(removed->status, 403);
+  EXPECT_EQ(c.Get("/attach/1/" + req + "/" + m[1].str(), me.headers)->status, 200)
+      << "the owner still has the file";
 
   auto csv = c.Get("/report/2?p_FromDate=2000-01-01&p_ToDate=", me.headers);
   EXPECT_EQ(csv->status, 200);
@@ -430,7 +524,14 @@ TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
   auto search = c.Get("/req/" + req + "/route?name=a", me.headers);
   EXPECT_EQ(search->status, 200);
   const int32_t steps = query_int("SELECT COUNT(*) FROM approval_steps WHERE req_id = " + req);
-  const std::string user = std::to_string(query_int("SELECT sys_user_id FROM users WHERE login_id = 'u1_1'"));
+  // A colleague who neither asked for it nor reviews it yet (the seed adds some reviewers).
+  const std::string colleague = query_text(
+      "SELECT MIN(u.login_id) FROM users u JOIN requisitions r ON r.req_id = " + req +
+      " WHERE u.borg_id = r.borg_id AND u.sys_user_id <> r.requisitioner_id AND u.active = 1 AND "
+      "NOT EXISTS (SELECT 1 FROM reviewers v WHERE v.req_id = r.req_id AND v.reviewer_id = "
+      "u.sys_user_id)");
+  const std::string user = std::to_string(
+      query_int("SELECT sys_user_id FROM users WHERE login_id = '" + colleague + "'"));
   const std::string borg = std::to_string(query_int("SELECT borg_id FROM users WHERE login_id = 'u1_1'"));
   struct Case {
     const char* kind;
@@ -443,7 +544,7 @@ TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
     EXPECT_EQ(r->status, k.status) << r->body.substr(r->body.find("<main>"));
   }
   EXPECT_EQ(query_int("SELECT COUNT(*) FROM approval_steps WHERE req_id = " + req), steps + 1);
-  auto reviews = c.Get("/reviews", sign_in("u1_1").headers);
+  auto reviews = c.Get("/reviews", sign_in(colleague).headers);
   EXPECT_THAT(reviews->body, HasSubstr("/review/" + req));
 
   auto bad = c.Post("/delegation", me.headers,
@@ -453,7 +554,7 @@ TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
   auto saved = c.Post("/delegation", me.headers,
                       httplib::Params{{"csrf", me.csrf}, {"delegate", user}, {"start", "2026-01-01"},
                                       {"end", "2026-12-31"}, {"enabled", "1"}});
-  EXPECT_EQ(saved->status, 303) << saved->body;
+  EXPECT_EQ(saved->status, 303) << saved->body.substr(saved->body.find("<main>"));
   EXPECT_THAT(c.Get("/delegation", me.headers)->body, HasSubstr("checked"));
 }
 
@@ -478,7 +579,8 @@ TEST_F(PortalTest, AnyProcessServesAnySession) {
   }
   EXPECT_LE(third.server->portal().cached_sessions(), 2u);
   // Signing out there ends the session here too.
-  EXPECT_EQ(c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}})->status, 303);
+  auto out = c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}});
+  EXPECT_EQ(out->status, 303) << out->body;
   EXPECT_EQ(c.Get("/reqs", me.headers)->status, 303);
 }
 

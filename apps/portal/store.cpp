@@ -104,6 +104,35 @@ void SessionStore::remove(const std::string& sid) {
   });
 }
 
+std::string SessionStore::issue_form_token(const std::string& sid) {
+  const std::string hash = sid_hash(sid);
+  const std::string token = random_token();
+  const Date now = db_->now();
+  const std::string now_text = date_text(now);
+  const std::string expires = date_text(Date::from_seconds(now.seconds() + lifetime_));
+  db_->write([&](soci::session& sql) {
+    // Forms opened and never sent leave rows: the expired ones go with every new one.
+    sql << "DELETE FROM portal_form_tokens WHERE expires <= :n", soci::use(now_text);
+    sql << "INSERT INTO portal_form_tokens (token, sid_hash, expires) VALUES (:t, :h, :x)",
+        soci::use(token), soci::use(hash), soci::use(expires);
+  });
+  return token;
+}
+
+bool SessionStore::consume_form_token(const std::string& sid, const std::string& token) {
+  if (token.size() != 64) return false;
+  const std::string hash = sid_hash(sid);
+  const std::string now = date_text(db_->now());
+  return db_->write([&](soci::session& sql) {
+    // The DELETE is the check: of two requests with one token only one removes the row.
+    soci::statement st = (sql.prepare << "DELETE FROM portal_form_tokens WHERE token = :t AND "
+                                         "sid_hash = :h AND expires > :n",
+                          soci::use(token), soci::use(hash), soci::use(now));
+    st.execute(true);
+    return st.get_affected_rows() == 1;
+  });
+}
+
 int32_t SessionStore::recent_failures(const std::string& key, int64_t window_seconds) {
   const std::string since = date_text(Date::from_seconds(db_->now().seconds() - window_seconds));
   return db_->read([&](soci::session& sql) {

@@ -41,6 +41,11 @@ class SessionStore {
   void update_preferences(const std::string& sid, const SessionRow& row);
   void remove(const std::string& sid);
 
+  // One-time form tokens: a form that must not be sent twice carries one; consuming it
+  // succeeds once, for the session it was issued to, before it expires.
+  std::string issue_form_token(const std::string& sid);
+  bool consume_form_token(const std::string& sid, const std::string& token);
+
   // Sign-in throttling: the failures of `key` within the window, and recording one.
   int32_t recent_failures(const std::string& key, int64_t window_seconds);
   void record_failure(const std::string& key);

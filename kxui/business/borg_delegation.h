@@ -14,8 +14,10 @@ namespace kxui::business {
 
 class BorgDelegation : public virtual BusinessObject {
  public:
-  // Loads the session user's delegation. False with Success True when there is none yet
-  // (the properties then hold their defaults); False with Success False on a failure.
+  // Loads the session user's delegation. When there is none yet the properties hold their
+  // defaults (nobody, not enabled) and the answer is True, so that DelegationEnabled can be
+  // asked before the first delegation; False with Success False on a failure. (Callers also
+  // accept False with Success True, which some tiers answer for "none yet".)
   virtual bool Load(const SessionPtr& session, Variant& custom_data) = 0;
   // Stores the properties as the session user's delegation. False (reason in GetError)
   // when refused.
