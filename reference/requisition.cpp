@@ -268,6 +268,9 @@ RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int 
         [&shape](soci::session& s, CountStatement& st) { prepare_count(s, st, shape); });
     q.set(filter, uid);
     q.statement->execute(true);
+    // Stepped to its end: a kept statement left on its row holds a read snapshot, and the
+    // connection's next change then fails as busy once another connection has written.
+    q.statement->fetch();
     return q.count;
   };
   auto fetch = [db, filter, uid, order, shape](soci::session&, int64_t first, int64_t rows,

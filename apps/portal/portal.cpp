@@ -370,7 +370,15 @@ void Portal::mount(httplib::Server& s) {
       html(res, page({"Not found", "", "", "", "There is no such page.", "<p><a href=\"/\">Home</a></p>"}), 404);
     }
   });
-  s.set_exception_handler([](const httplib::Request&, httplib::Response& res, std::exception_ptr) {
+  s.set_exception_handler([](const httplib::Request& req, httplib::Response& res, std::exception_ptr e) {
+    // The user sees a plain page; the operator's log gets what went wrong.
+    try {
+      std::rethrow_exception(e);
+    } catch (const std::exception& x) {
+      std::fprintf(stderr, "portal: %s %s: %s\n", req.method.c_str(), req.path.c_str(), x.what());
+    } catch (...) {
+      std::fprintf(stderr, "portal: %s %s: unknown failure\n", req.method.c_str(), req.path.c_str());
+    }
     security_headers(res);
     html(res, page({"Something went wrong", "", "", "", "The request could not be served.", ""}), 500);
   });
