@@ -2,6 +2,7 @@
 #include <map>
 
 #include "reference/errors.h"
+#include "reference/html_text.h"
 #include "reference/req_store.h"
 #include "reference/route.h"
 #include "reference/rows.h"
@@ -114,21 +115,6 @@ RecordsetPtr RefBorgDelegation::GetDelegateSearchResults(const SessionPtr& sessi
 }
 
 namespace {
-
-std::string escape_html(const std::string& text) {
-  std::string out;
-  for (char c : text) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
 
 const char* status_text(int32_t status) {
   switch (status) {

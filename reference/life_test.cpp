@@ -334,9 +334,18 @@ TEST(Life, AnApprovalThatCannotOrderKeepsNothing) {
   ASSERT_TRUE(bob.hub->WF()->Approve(bob.s, rid, 1, "")) << bob.hub->WF()->Error()->Description();
   ASSERT_TRUE(dave.hub->WF()->Approve(dave.s, rid, 3, "")) << dave.hub->WF()->Error()->Description();
   // A fault in the store: order lines for the print shop are refused.
-  f->db->write([](soci::session& sql) {
-    sql << "CREATE TRIGGER refuse_cards BEFORE INSERT ON po_lines WHEN NEW.description = "
-           "'Business cards' BEGIN SELECT RAISE(ABORT, 'refused by the test'); END";
+  const bool postgres = f->db->backend() == Backend::kPostgres;
+  f->db->write([postgres](soci::session& sql) {
+    if (postgres) {
+      sql << "CREATE FUNCTION refuse_cards() RETURNS trigger AS $$ BEGIN "
+             "IF NEW.description = 'Business cards' THEN RAISE EXCEPTION 'refused by the test' "
+             "USING ERRCODE = 'check_violation'; END IF; RETURN NEW; END $$ LANGUAGE plpgsql";
+      sql << "CREATE TRIGGER refuse_cards BEFORE INSERT ON po_lines FOR EACH ROW "
+             "EXECUTE FUNCTION refuse_cards()";
+    } else {
+      sql << "CREATE TRIGGER refuse_cards BEFORE INSERT ON po_lines WHEN NEW.description = "
+             "'Business cards' BEGIN SELECT RAISE(ABORT, 'refused by the test'); END";
+    }
   });
   const auto snapshot = [&] {
     return std::vector<int32_t>{
@@ -354,7 +363,9 @@ TEST(Life, AnApprovalThatCannotOrderKeepsNothing) {
   EXPECT_EQ(wf.Error()->Number(), error_number(Refusal::kConstraint));
   EXPECT_EQ(snapshot(), before);
 
-  f->db->write([](soci::session& sql) { sql << "DROP TRIGGER refuse_cards"; });
+  f->db->write([postgres](soci::session& sql) {
+    sql << (postgres ? "DROP TRIGGER refuse_cards ON po_lines" : "DROP TRIGGER refuse_cards");
+  });
   ASSERT_TRUE(wf.Approve(carol.s, rid, 2, "Go")) << wf.Error()->Description();
   const std::vector<int32_t> after = snapshot();
   EXPECT_EQ(after[0], 2);

@@ -100,13 +100,28 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
 
 namespace {
 
+// One row of a requisition list, as both list statements read it.
+struct ListRow {
+  int req_id = 0, status = 0, items = 0;
+  std::string name, requisitioner, borg_name, created, submitted, currency;
+  void bind_row(soci::statement& st) {
+    st.exchange(soci::into(req_id));
+    st.exchange(soci::into(name));
+    st.exchange(soci::into(status));
+    st.exchange(soci::into(requisitioner));
+    st.exchange(soci::into(borg_name));
+    st.exchange(soci::into(created));
+    st.exchange(soci::into(submitted));
+    st.exchange(soci::into(items));
+    st.exchange(soci::into(currency));
+  }
+};
+
 // The list statement, prepared once per sort order, with the variables bound to it.
-struct ListStatement : Database::PreparedState {
+struct ListStatement : Database::PreparedState, ListRow {
   std::string login, borg;
   int self = 0, all = 0;
   std::array<int, kStatusSlots> slots{};
-  int req_id = 0, status = 0, items = 0;
-  std::string name, requisitioner, borg_name, created, submitted, currency;
 };
 
 void prepare_list(soci::session& sql, ListStatement& s, const std::string& order) {
@@ -129,15 +144,7 @@ void prepare_list(soci::session& sql, ListStatement& s, const std::string& order
   st.exchange(soci::use(s.borg));
   st.exchange(soci::use(s.all));
   for (int& slot : s.slots) st.exchange(soci::use(slot));
-  st.exchange(soci::into(s.req_id));
-  st.exchange(soci::into(s.name));
-  st.exchange(soci::into(s.status));
-  st.exchange(soci::into(s.requisitioner));
-  st.exchange(soci::into(s.borg_name));
-  st.exchange(soci::into(s.created));
-  st.exchange(soci::into(s.submitted));
-  st.exchange(soci::into(s.items));
-  st.exchange(soci::into(s.currency));
+  s.bind_row(st);
   st.alloc();
   st.prepare(query);
   st.define_and_bind();
@@ -206,10 +213,8 @@ struct CountStatement : OneUserStatement {
   long long count = 0;
 };
 
-struct PageStatement : OneUserStatement {
+struct PageStatement : OneUserStatement, ListRow {
   long long limit = 0, offset = 0;
-  int req_id = 0, status = 0, items = 0;
-  std::string name, requisitioner, borg_name, created, submitted, currency;
 };
 
 void prepare_count(soci::session& sql, CountStatement& s, const Shape& shape) {
@@ -245,15 +250,7 @@ void prepare_page(soci::session& sql, PageStatement& s, const std::string& order
   s.bind_filter(shape);
   st.exchange(soci::use(s.limit));
   st.exchange(soci::use(s.offset));
-  st.exchange(soci::into(s.req_id));
-  st.exchange(soci::into(s.name));
-  st.exchange(soci::into(s.status));
-  st.exchange(soci::into(s.requisitioner));
-  st.exchange(soci::into(s.borg_name));
-  st.exchange(soci::into(s.created));
-  st.exchange(soci::into(s.submitted));
-  st.exchange(soci::into(s.items));
-  st.exchange(soci::into(s.currency));
+  s.bind_row(st);
   st.alloc();
   st.prepare(query);
   st.define_and_bind();

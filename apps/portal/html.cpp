@@ -1,5 +1,7 @@
 #include "apps/portal/html.h"
 
+#include "reference/html_text.h"
+
 #include <cctype>
 #include <cstdio>
 
@@ -8,21 +10,7 @@ namespace portal {
 using kxui::Recordset;
 using kxui::Variant;
 
-std::string esc(std::string_view text) {
-  std::string out;
-  out.reserve(text.size() + 16);
-  for (char c : text) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
+std::string esc(std::string_view text) { return kxui::reference::escape_html(text); }
 
 std::string text_of(const Variant& v) {
   if (v.is_empty() || v.is_null()) return "";
