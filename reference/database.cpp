@@ -142,8 +142,18 @@ std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions
                                        (db->options_.read_only ? " readonly=1" : ""));
       db->sql_ << "PRAGMA busy_timeout = " + std::to_string(db->options_.busy_timeout_ms);
       db->sql_ << "PRAGMA foreign_keys = ON";
+      // Turning a new file to WAL can answer busy without waiting, while another program
+      // opens it at the same moment: try again until the busy timeout has passed.
       std::string mode;
-      db->sql_ << "PRAGMA journal_mode = WAL", soci::into(mode);
+      for (int waited = 0;; waited += 10) {
+        try {
+          db->sql_ << "PRAGMA journal_mode = WAL", soci::into(mode);
+          break;
+        } catch (const soci::soci_error&) {
+          if (waited >= db->options_.busy_timeout_ms) throw;
+          std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+      }
     } else {
       db->sql_.open(soci::postgresql, rest);
       // Quiet notices ("table exists, skipping") stay out of the client's stderr.
