@@ -19,6 +19,7 @@ using ::testing::HasSubstr;
 using testing::column_values;
 using testing::Fixture;
 using testing::make_fixture;
+using testing::type_receipt;
 
 // A user logged in as a page would: a hub, the login check, a session begun for the user.
 struct Person {
@@ -57,19 +58,6 @@ std::string lookup(Recordset& rs, const char* key, const std::string& key_value,
 
 Variant list(std::vector<Variant> values) { return Variant(Array::of(std::move(values))); }
 
-// Fills the receipt form as a page does: cartons, then per line received and slip text.
-void type_receipt(Recordset& header, Recordset& lines, const std::string& cartons,
-                  const std::vector<std::pair<std::string, std::string>>& typed,
-                  const std::vector<std::string>& comments = {}) {
-  header.MoveFirst();
-  header["UIDisplay_CartonCnt"].SetValue(Variant(cartons));
-  size_t i = 0;
-  for (lines.MoveFirst(); !lines.IsEOF(); lines.MoveNext(), ++i) {
-    lines["UIDisplay_ReceivedQty"].SetValue(Variant(typed.at(i).first));
-    lines["UIDisplay_PackingSlipQty"].SetValue(Variant(typed.at(i).second));
-    if (i < comments.size()) lines["Comments"].SetValue(Variant(comments[i]));
-  }
-}
 
 // Alice's requisition with the pen, twenty boxes of paper and the business cards,
 // submitted and routed Bob -> Dave (ad hoc) -> Carol; its identifier.

@@ -18,6 +18,7 @@ namespace {
 using ::testing::HasSubstr;
 using testing::column_values;
 using testing::Ordered;
+using testing::type_receipt;
 
 int32_t count_receipts(Database& db, int32_t po_id) {
   return db.read([&](soci::session& sql) {
@@ -27,19 +28,6 @@ int32_t count_receipts(Database& db, int32_t po_id) {
   });
 }
 
-// Fills the form's typed columns: cartons, then per line received and packing-slip text.
-void type_in(Recordset& header, Recordset& lines, const std::string& cartons,
-             const std::vector<std::pair<std::string, std::string>>& typed,
-             const std::vector<std::string>& comments = {}) {
-  header.MoveFirst();
-  header["UIDisplay_CartonCnt"].SetValue(Variant(cartons));
-  size_t i = 0;
-  for (lines.MoveFirst(); !lines.IsEOF(); lines.MoveNext(), ++i) {
-    lines["UIDisplay_ReceivedQty"].SetValue(Variant(typed.at(i).first));
-    lines["UIDisplay_PackingSlipQty"].SetValue(Variant(typed.at(i).second));
-    if (i < comments.size()) lines["Comments"].SetValue(Variant(comments[i]));
-  }
-}
 
 TEST(Receipts, ReceiveWithACorrection) {
   Ordered o;
@@ -80,12 +68,12 @@ TEST(Receipts, ReceiveWithACorrection) {
   EXPECT_EQ(column_values(*lines, "UIDisplay_ReceivedQty"), (std::vector<std::string>{"0", "0"}));
 
   // A carton count that is no number: refused with its message, nothing stored.
-  type_in(*header, *lines, "two", {{"3", "3"}, {"1", "1"}});
+  type_receipt(*header, *lines, "two", {{"3", "3"}, {"1", "1"}});
   EXPECT_EQ(ui.SubmitReceipt(alice, header, lines), 0);
   EXPECT_EQ(ui.Error()->Number(), int32_t(0x80040000u + uint32_t(msg::kCartonCountNotNumeric.number)));
   EXPECT_EQ(count_receipts(*o.f->db, o.po_id), 0);
 
-  type_in(*header, *lines, "2", {{"3", "3"}, {"1", "1"}});
+  type_receipt(*header, *lines, "2", {{"3", "3"}, {"1", "1"}});
   const int32_t first = ui.SubmitReceipt(alice, header, lines);
   ASSERT_GT(first, 0) << ui.Error()->Description();
   EXPECT_EQ(count_receipts(*o.f->db, o.po_id), 1) << "the refused attempt left no receipt";
@@ -103,7 +91,7 @@ TEST(Receipts, ReceiveWithACorrection) {
   RecordsetPtr header2 = ui.GetReceiptHdr(alice, o.po_id);
   RecordsetPtr lines2 = ui.GetReceiptItems(alice, o.po_id, false);
   ASSERT_TRUE(header2 && lines2);
-  type_in(*header2, *lines2, "0", {{"0", "0"}, {"-1", "0"}}, {"", "Damaged box"});
+  type_receipt(*header2, *lines2, "0", {{"0", "0"}, {"-1", "0"}}, {"", "Damaged box"});
   const int32_t correction = ui.SubmitReceipt(alice, header2, lines2);
   ASSERT_GT(correction, first) << ui.Error()->Description();
   items = ui.GetPOItemsRs(alice, o.po_id);
@@ -121,7 +109,7 @@ TEST(Receipts, ReceiveWithACorrection) {
   RecordsetPtr all = ui.GetReceiptItems(alice, o.po_id, true);
   ASSERT_TRUE(header3 && all);
   EXPECT_EQ(column_values(*all, "ReceivedQty"), (std::vector<std::string>{"0", "2"}));
-  type_in(*header3, *all, "1", {{"0", "0"}, {"2", "2"}});
+  type_receipt(*header3, *all, "1", {{"0", "0"}, {"2", "2"}});
   ASSERT_GT(ui.SubmitReceipt(alice, header3, all), correction) << ui.Error()->Description();
   ASSERT_TRUE(po.GetPOHeaderInfo(alice, o.po_id, num, borg, supplier, status));
   EXPECT_EQ(status, Variant("Received"));
@@ -156,7 +144,7 @@ TEST(Receipts, RefusedReceiptsStoreNothing) {
     RecordsetPtr header = ui.GetReceiptHdr(alice, o.po_id);
     RecordsetPtr lines = ui.GetReceiptItems(alice, o.po_id, false);
     ASSERT_TRUE(header && lines);
-    type_in(*header, *lines, "1", c.typed, c.comments);
+    type_receipt(*header, *lines, "1", c.typed, c.comments);
     EXPECT_EQ(ui.SubmitReceipt(alice, header, lines), 0);
     EXPECT_THAT(ui.Error()->Description(), HasSubstr(c.message));
     EXPECT_EQ(ui.Error()->Source(), c.source);

@@ -11,9 +11,12 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "kxui/frame/recordset.h"
 #include "kxui/frame/runtime.h"
 #include "kxui/frame/session.h"
 #include "reference/database.h"
@@ -235,5 +238,20 @@ inline OtherProcess other_process(const Fixture& f, DatabaseOptions options) {
   return p;
 }
 inline OtherProcess other_process(const Fixture& f) { return other_process(f, f.options()); }
+
+// Fills the receipt form as a page does: cartons, then per line received and packing-slip
+// text, and optional comments.
+inline void type_receipt(Recordset& header, Recordset& lines, const std::string& cartons,
+                         const std::vector<std::pair<std::string, std::string>>& typed,
+                         const std::vector<std::string>& comments = {}) {
+  header.MoveFirst();
+  header["UIDisplay_CartonCnt"].SetValue(Variant(cartons));
+  size_t i = 0;
+  for (lines.MoveFirst(); !lines.IsEOF(); lines.MoveNext(), ++i) {
+    lines["UIDisplay_ReceivedQty"].SetValue(Variant(typed.at(i).first));
+    lines["UIDisplay_PackingSlipQty"].SetValue(Variant(typed.at(i).second));
+    if (i < comments.size()) lines["Comments"].SetValue(Variant(comments[i]));
+  }
+}
 
 }  // namespace kxui::reference::testing

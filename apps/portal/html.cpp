@@ -149,7 +149,7 @@ a{color:#1d5fa8}.badge{display:inline-block;padding:1px 8px;border-radius:10px;f
 .notice{background:#e3f6e8;border:1px solid #9fd6ad;padding:10px 14px;border-radius:6px;margin-bottom:14px}
 .error{background:#fde8e8;border:1px solid #e7a3a3;padding:10px 14px;border-radius:6px;margin-bottom:14px;color:#7d1414}
 .fielderr{color:#a31515;font-size:13px;margin-left:8px}
-form.inline{display:inline}label{display:inline-block;min-width:140px;font-weight:600;font-size:13px}
+form.inline{display:inline}label{display:inline-block;min-width:190px;font-weight:600;font-size:13px}
 input,select,textarea{font:inherit;padding:5px 8px;border:1px solid #b9c3cf;border-radius:4px}
 button{font:inherit;padding:5px 14px;border-radius:4px;border:1px solid #1f3a5f;background:#1f3a5f;color:#fff;cursor:pointer}
 button.secondary{background:#fff;color:#1f3a5f}button.danger{background:#a32020;border-color:#a32020}
