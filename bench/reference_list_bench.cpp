@@ -6,19 +6,15 @@
 // replaces the sizes for a quick run.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <unistd.h>
 
+#include "bench/list_ratio.h"
 #include "kxui/requisition/ui_req.h"
 #include "reference/database.h"
 #include "reference/register.h"
@@ -90,48 +86,7 @@ void BM_GetListPage(benchmark::State& state) {
   state.counters["rows"] = rows;
 }
 
-std::vector<int64_t> list_sizes() {
-  std::vector<int64_t> sizes;
-  const char* env = std::getenv("KXUI_BENCH_LIST_ROWS");
-  std::stringstream in(env ? env : "1000,1000000");
-  std::string item;
-  while (std::getline(in, item, ',')) sizes.push_back(std::stoll(item));
-  std::sort(sizes.begin(), sizes.end());
-  return sizes;
-}
-
-// Console output, then each page's median cost on the largest list over the smallest, in
-// wall-clock and in CPU time (the steadier figure on a shared machine).
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const auto& run : runs) {
-      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
-      if (run.error_occurred) continue;
-      ms_[run.run_name.args] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
-    }
-  }
-  void Finalize() override {
-    ConsoleReporter::Finalize();
-    const auto sizes = list_sizes();
-    for (const char* page : {"1", "0"}) {
-      const auto small = ms_.find(std::to_string(sizes.front()) + "/" + page);
-      const auto large = ms_.find(std::to_string(sizes.back()) + "/" + page);
-      if (small == ms_.end() || large == ms_.end()) continue;
-      std::printf(
-          "%s page, median: %lld rows %.3f ms real %.3f ms CPU, %lld rows %.3f ms real %.3f ms "
-          "CPU, ratio %.2f real %.2f CPU\n",
-          page[0] == '1' ? "first" : "middle", static_cast<long long>(sizes.front()),
-          small->second.first, small->second.second, static_cast<long long>(sizes.back()),
-          large->second.first, large->second.second, large->second.first / small->second.first,
-          large->second.second / small->second.second);
-    }
-  }
-
- private:
-  std::map<std::string, std::pair<double, double>> ms_;  // "rows/page" -> median ms, real and CPU
-};
+std::vector<int64_t> list_sizes() { return kxbench::list_sizes("1000,1000000"); }
 
 }  // namespace
 
@@ -146,7 +101,7 @@ int main(int argc, char** argv) {
           ->Unit(benchmark::kMillisecond);
     }
   }
-  RatioReporter reporter;
+  kxbench::RatioReporter reporter(list_sizes());
   benchmark::RunSpecifiedBenchmarks(&reporter);
   benchmark::Shutdown();
   return 0;

@@ -56,10 +56,8 @@ RecordsetPtr RefPOReceipt::GetReceiveList(const SessionPtr& session, Array& para
     const Session& s = session_of(session);
     std::set<int32_t> statuses = parse_status_list(text_param(params, 1));
     if (statuses.empty()) statuses = kReceivable;
-    return db().read([&](soci::session& sql) {
-      return order_list(sql, s, text_param(params, 3), text_param(params, 4),
-                        text_param(params, 2), text_param(params, 0), statuses);
-    });
+    return order_list(db_ptr(), s, text_param(params, 3), text_param(params, 4),
+                      text_param(params, 2), text_param(params, 0), statuses);
   });
 }
 

@@ -1,11 +1,13 @@
 // RefPurchaseOrder (all but ReleaseSessionLocks), the order log and the status map.
 #include "reference/purchase_order.h"
 
+#include <optional>
 #include <set>
 #include <sstream>
 
 #include "kxui/frame/text.h"
 #include "reference/errors.h"
+#include "reference/list_source.h"
 #include "reference/req_store.h"
 #include "reference/rows.h"
 #include "reference/services.h"
@@ -16,13 +18,15 @@ namespace {
 
 constexpr const char* kPOLocks = "po_locks";
 
-// One row per order, in the column order of kSummaryColumns.
-constexpr const char* kSummary =
+// One row per order, in the column order of kSummaryColumns: the columns, and the joins
+// they are read through once `o` is the order.
+constexpr const char* kSummarySelect =
     "SELECT o.po_id, 'PO-' || CAST(o.po_id AS VARCHAR(20)), r.req_name, o.req_id, "
     "o.supplier_name, o.status_id, s.name, o.create_date, o.create_date, "
     "COALESCE((SELECT CAST(ROUND(SUM(l.qty * l.unit_price) * (1 + b.tax_rate)) AS BIGINT) "
-    "FROM po_lines l WHERE l.po_id = o.po_id), 0), o.currency_code, u.full_name, b.name "
-    "FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id "
+    "FROM po_lines l WHERE l.po_id = o.po_id), 0), o.currency_code, u.full_name, b.name ";
+constexpr const char* kSummaryJoins =
+    "JOIN requisitions r ON r.req_id = o.req_id "
     "JOIN users u ON u.sys_user_id = r.requisitioner_id JOIN borgs b ON b.borg_id = r.borg_id "
     "JOIN po_statuses s ON s.po_status_id = o.status_id ";
 
@@ -173,36 +177,174 @@ RecordsetPtr RefPurchaseOrder::GetPOList(const SessionPtr& session, const Varian
                                          Variant&) {
   return answer("GetPOList", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
-    return db().read([&](soci::session& sql) {
-      return order_list(sql, s, text_arg(user_name), text_arg(borg_name), po_number,
-                        text_arg(sort_by), parse_status_list(text_arg(status_list)));
-    });
+    return order_list(db_ptr(), s, text_arg(user_name), text_arg(borg_name), po_number,
+                      text_arg(sort_by), parse_status_list(text_arg(status_list)));
   });
 }
 
-RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string& user_name,
+namespace {
+
+// What an order list is filtered on, held by value: a list read on demand outlives the
+// call. The statuses travel as one text ",2,4," so that the statement's text does not
+// depend on how many were asked for.
+struct OrderFilter {
+  std::string login, borg, number, statuses;
+  int self = 0;
+};
+
+// Which conditions a list's statements hold: only those the call sets, and for one user's
+// orders the user's id, so that the index from a user to the orders in list order serves
+// the count and the windows by itself.
+struct OrderShape {
+  bool one_user = false, borg = false, number = false, statuses = false;
+  std::string key() const {
+    return std::string(one_user ? " one" : " any") + (borg ? " borg" : "") +
+           (number ? " number" : "") + (statuses ? " status" : "");
+  }
+};
+
+// The list's FROM and WHERE, with the orders as `o`.
+std::string order_filter(const OrderShape& shape) {
+  std::string from = "FROM purchase_orders o ";
+  std::string where;
+  if (shape.one_user) {
+    if (shape.borg) from += "JOIN requisitions r ON r.req_id = o.req_id ";
+    where = "WHERE o.requisitioner_id = :uid";
+  } else {
+    from +=
+        "JOIN requisitions r ON r.req_id = o.req_id "
+        "JOIN users u ON u.sys_user_id = r.requisitioner_id ";
+    where = "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2)";
+  }
+  if (shape.borg) where += " AND r.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
+  if (shape.number) where += " AND LOWER('PO-' || CAST(o.po_id AS VARCHAR(20))) = :num";
+  if (shape.statuses) {
+    where += " AND :st LIKE ('%,' || CAST(o.status_id AS VARCHAR(11)) || ',%')";
+  }
+  return from + where;
+}
+
+// A kept list statement with the filter it is bound to.
+struct OrderListStatement : Database::PreparedState {
+  OrderFilter filter;
+  int uid = 0;
+  void bind_filter(soci::statement& st, const OrderShape& shape) {
+    if (shape.one_user) {
+      st.exchange(soci::use(uid));
+    } else {
+      st.exchange(soci::use(filter.login));
+      st.exchange(soci::use(filter.self));
+      st.exchange(soci::use(filter.login));
+    }
+    if (shape.borg) st.exchange(soci::use(filter.borg));
+    if (shape.number) st.exchange(soci::use(filter.number));
+    if (shape.statuses) st.exchange(soci::use(filter.statuses));
+  }
+  void set(const OrderFilter& f, int user) {
+    filter = f;
+    uid = user;
+  }
+};
+
+struct OrderCount : OrderListStatement {
+  long long count = 0;
+};
+
+// One row of the list as the window statement reads it.
+struct OrderRow {
+  int po_id = 0, req_id = 0, status = 0;
+  long long total = 0;
+  std::string po_num, name, supplier, status_name, created, ordered_on, currency,
+      requisitioner, borg;
+  void bind_row(soci::statement& st) {
+    st.exchange(soci::into(po_id));
+    st.exchange(soci::into(po_num));
+    st.exchange(soci::into(name));
+    st.exchange(soci::into(req_id));
+    st.exchange(soci::into(supplier));
+    st.exchange(soci::into(status));
+    st.exchange(soci::into(status_name));
+    st.exchange(soci::into(created));
+    st.exchange(soci::into(ordered_on));
+    st.exchange(soci::into(total));
+    st.exchange(soci::into(currency));
+    st.exchange(soci::into(requisitioner));
+    st.exchange(soci::into(borg));
+  }
+  void append_to(std::vector<Variant>& out) const {
+    out.emplace_back(int32_t{po_id});
+    out.emplace_back(po_num);
+    out.emplace_back(name);
+    out.emplace_back(int32_t{req_id});
+    out.emplace_back(supplier);
+    out.emplace_back(int32_t{status});
+    out.emplace_back(status_name);
+    out.emplace_back(parse_date_text(created));
+    out.emplace_back(parse_date_text(ordered_on));
+    out.emplace_back(Currency::from_scaled(total));
+    out.emplace_back(currency);
+    out.emplace_back(requisitioner);
+    out.emplace_back(borg);
+  }
+};
+
+struct OrderWindow : OrderListStatement, OrderRow, WindowBounds {};
+
+// The keys of the window in list order, then their rows; every sort is on the order's
+// own columns, ending on its id.
+void prepare_order_window(soci::session& sql, OrderWindow& s, const std::string& order,
+                          const OrderShape& shape) {
+  const std::string query = std::string(kSummarySelect) + "FROM (SELECT o.po_id " +
+                            order_filter(shape) + " ORDER BY " + order +
+                            " LIMIT :n OFFSET :o) k JOIN purchase_orders o ON o.po_id = k.po_id " +
+                            kSummaryJoins + "ORDER BY " + order;
+  prepare_statement(sql, s, query, [&](soci::statement& st) {
+    s.bind_filter(st, shape);
+    s.bind_window(st);
+    s.bind_row(st);
+  });
+}
+
+void prepare_order_count(soci::session& sql, OrderCount& s, const OrderShape& shape) {
+  prepare_statement(sql, s, "SELECT COUNT(*) " + order_filter(shape),
+                    [&](soci::statement& st) {
+                      s.bind_filter(st, shape);
+                      st.exchange(soci::into(s.count));
+                    });
+}
+
+}  // namespace
+
+RecordsetPtr order_list(const DatabasePtr& db, const Session& s, const std::string& user_name,
                         const std::string& borg, const std::string& po_number,
                         const std::string& sort_by, const std::set<int32_t>& statuses) {
-  const std::string login = text::lower_ascii(user_name);
-  const std::string number = text::lower_ascii(po_number);
-  // The statuses travel as one bound text ",2,4," so that the statement's text does not
-  // depend on how many were asked for.
-  std::string status_text;
-  for (int32_t status : statuses) status_text += "," + std::to_string(status);
-  if (!status_text.empty()) status_text += ",";
-  const std::string query =
-      std::string(kSummary) +
-      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
-      "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR LOWER('PO-' || "
-      "CAST(o.po_id AS VARCHAR(20))) = :num2) AND (:st = '' OR :st2 LIKE ('%,' || "
-      "CAST(o.status_id AS VARCHAR(11)) || ',%')) ORDER BY " +
-      order_clause(sort_by);
-  const int self = s.SysUserID();
-  soci::rowset<soci::row> rows =
-      (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
-       soci::use(borg), soci::use(borg), soci::use(number), soci::use(number),
-       soci::use(status_text), soci::use(status_text));
-  return to_recordset(rows, kSummaryColumns);
+  OrderFilter filter{text::lower_ascii(user_name), borg, text::lower_ascii(po_number), "",
+                     s.SysUserID()};
+  for (int32_t status : statuses) filter.statuses += "," + std::to_string(status);
+  if (!filter.statuses.empty()) filter.statuses += ",";
+  const std::string order = order_clause(sort_by);
+  const std::optional<int> one =
+      db->read([&](soci::session& sql) { return single_user(sql, filter.login, filter.self); });
+  const OrderShape shape{one.has_value(), !filter.borg.empty(), !filter.number.empty(),
+                         !filter.statuses.empty()};
+  const int uid = one.value_or(0);
+  auto count = [db, filter, uid, shape](soci::session&) -> int64_t {
+    OrderCount& q = db->prepared<OrderCount>(
+        "order count" + shape.key(),
+        [&shape](soci::session& sql, OrderCount& st) { prepare_order_count(sql, st, shape); });
+    q.set(filter, uid);
+    return run_count(*q.statement, q.count);
+  };
+  auto fetch = [db, filter, uid, shape, order](soci::session&, int64_t first, int64_t rows,
+                                               std::vector<Variant>& out) {
+    OrderWindow& q = db->prepared<OrderWindow>(
+        "order window " + order + shape.key(), [&](soci::session& sql, OrderWindow& st) {
+          prepare_order_window(sql, st, order, shape);
+        });
+    q.set(filter, uid);
+    q.run_window(*q.statement, first, rows, [&q, &out] { q.append_to(out); });
+  };
+  return open_on_demand(kSummaryColumns, std::make_shared<QueryRowSource>(db, count, fetch));
 }
 
 RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t req_id, Variant&) {
@@ -211,7 +353,8 @@ RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t re
     return db().read([&](soci::session& sql) {
       load_req(sql, req_id);
       soci::rowset<soci::row> rows =
-          (sql.prepare << std::string(kSummary) + "WHERE o.req_id = :r ORDER BY o.po_id",
+          (sql.prepare << std::string(kSummarySelect) + "FROM purchase_orders o " +
+                              kSummaryJoins + "WHERE o.req_id = :r ORDER BY o.po_id",
            soci::use(req_id));
       return to_recordset(rows, kSummaryColumns);
     });

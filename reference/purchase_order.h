@@ -120,8 +120,9 @@ bool locked_by_other(soci::session& sql, Database& db, int32_t po_id, const Sess
 std::set<int32_t> parse_status_list(const std::string& list);
 // The orders of a user (login; "" for the session user), an organisation ("" for any)
 // and an order number ("" for any) in the statuses (empty for all), sorted by one of
-// the known columns, with "CreateDate", "TotalAmtDue" and "CurrencyCode".
-RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string& user_name,
+// the known columns, with "CreateDate", "TotalAmtDue" and "CurrencyCode". The record set
+// counts the orders when it opens and reads its rows from `db` as the cursor reaches them.
+RecordsetPtr order_list(const DatabasePtr& db, const Session& s, const std::string& user_name,
                         const std::string& borg, const std::string& po_number,
                         const std::string& sort_by, const std::set<int32_t>& statuses);
 

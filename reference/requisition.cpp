@@ -135,19 +135,16 @@ void prepare_list(soci::session& sql, ListStatement& s, const std::string& order
       "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
   for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
   query += ")) ORDER BY " + order;
-  s.statement = std::make_unique<soci::statement>(sql);
-  soci::statement& st = *s.statement;
-  st.exchange(soci::use(s.login));
-  st.exchange(soci::use(s.self));
-  st.exchange(soci::use(s.login));
-  st.exchange(soci::use(s.borg));
-  st.exchange(soci::use(s.borg));
-  st.exchange(soci::use(s.all));
-  for (int& slot : s.slots) st.exchange(soci::use(slot));
-  s.bind_row(st);
-  st.alloc();
-  st.prepare(query);
-  st.define_and_bind();
+  prepare_statement(sql, s, query, [&s](soci::statement& st) {
+    st.exchange(soci::use(s.login));
+    st.exchange(soci::use(s.self));
+    st.exchange(soci::use(s.login));
+    st.exchange(soci::use(s.borg));
+    st.exchange(soci::use(s.borg));
+    st.exchange(soci::use(s.all));
+    for (int& slot : s.slots) st.exchange(soci::use(slot));
+    s.bind_row(st);
+  });
 }
 
 // What a list is filtered on, held by value: a list read on demand outlives the call.
@@ -156,21 +153,6 @@ struct ListFilter {
   int self = 0, all = 0;
   std::array<int, kStatusSlots> slots{};
 };
-
-// The one user whose requisitions the filter names, or nothing when it names none or
-// several (the list is then read whole, as the general statement reads it).
-std::optional<int> single_requisitioner(soci::session& sql, ListFilter& f) {
-  soci::rowset<int> ids =
-      (sql.prepare << "SELECT u.sys_user_id FROM users u WHERE (:login = '' AND "
-                      "u.sys_user_id = :self) OR LOWER(u.login_id) = :login2 LIMIT 2",
-       soci::use(f.login), soci::use(f.self), soci::use(f.login));
-  std::optional<int> one;
-  for (int id : ids) {
-    if (one) return std::nullopt;
-    one = id;
-  }
-  return one;
-}
 
 // One requisitioner's list: the filter on the requisitions alone, with only the
 // conditions the call sets, so that the index on (requisitioner, create date) serves the
@@ -195,8 +177,7 @@ std::string one_user_filter(const Shape& shape) {
 struct OneUserStatement : Database::PreparedState {
   ListFilter filter;
   int uid = 0;
-  void bind_filter(const Shape& shape) {
-    soci::statement& st = *statement;
+  void bind_filter(soci::statement& st, const Shape& shape) {
     st.exchange(soci::use(uid));
     if (shape.borg) st.exchange(soci::use(filter.borg));
     if (shape.statuses) {
@@ -213,18 +194,14 @@ struct CountStatement : OneUserStatement {
   long long count = 0;
 };
 
-struct PageStatement : OneUserStatement, ListRow {
-  long long limit = 0, offset = 0;
-};
+struct PageStatement : OneUserStatement, ListRow, WindowBounds {};
 
 void prepare_count(soci::session& sql, CountStatement& s, const Shape& shape) {
   const std::string query = "SELECT COUNT(*) FROM requisitions r " + one_user_filter(shape);
-  s.statement = std::make_unique<soci::statement>(sql);
-  s.bind_filter(shape);
-  s.statement->exchange(soci::into(s.count));
-  s.statement->alloc();
-  s.statement->prepare(query);
-  s.statement->define_and_bind();
+  prepare_statement(sql, s, query, [&](soci::statement& st) {
+    s.bind_filter(st, shape);
+    st.exchange(soci::into(s.count));
+  });
 }
 
 // The keys of the window in list order, then their rows. All rows are one user's, so a
@@ -245,15 +222,11 @@ void prepare_page(soci::session& sql, PageStatement& s, const std::string& order
       "JOIN users u ON u.sys_user_id = r.requisitioner_id "
       "JOIN borgs b ON b.borg_id = r.borg_id ORDER BY " +
       order;
-  s.statement = std::make_unique<soci::statement>(sql);
-  soci::statement& st = *s.statement;
-  s.bind_filter(shape);
-  st.exchange(soci::use(s.limit));
-  st.exchange(soci::use(s.offset));
-  s.bind_row(st);
-  st.alloc();
-  st.prepare(query);
-  st.define_and_bind();
+  prepare_statement(sql, s, query, [&](soci::statement& st) {
+    s.bind_filter(st, shape);
+    s.bind_window(st);
+    s.bind_row(st);
+  });
 }
 
 RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int uid,
@@ -264,11 +237,7 @@ RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int 
         "requisition count" + shape.key(),
         [&shape](soci::session& s, CountStatement& st) { prepare_count(s, st, shape); });
     q.set(filter, uid);
-    q.statement->execute(true);
-    // Stepped to its end: a kept statement left on its row holds a read snapshot, and the
-    // connection's next change then fails as busy once another connection has written.
-    q.statement->fetch();
-    return q.count;
+    return run_count(*q.statement, q.count);
   };
   auto fetch = [db, filter, uid, order, shape](soci::session&, int64_t first, int64_t rows,
                                                std::vector<Variant>& out) {
@@ -276,10 +245,7 @@ RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int 
         "requisition page " + order + shape.key(),
         [&](soci::session& s, PageStatement& st) { prepare_page(s, st, order, shape); });
     q.set(filter, uid);
-    q.limit = rows;
-    q.offset = first;
-    q.statement->execute(false);
-    while (q.statement->fetch()) {
+    q.run_window(*q.statement, first, rows, [&] {
       out.emplace_back(int32_t{q.req_id});
       out.emplace_back(q.name);
       out.emplace_back(int32_t{q.status});
@@ -289,7 +255,7 @@ RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int 
       out.emplace_back(parse_date_text(q.submitted));
       out.emplace_back(int32_t{q.items});
       out.emplace_back(q.currency);
-    }
+    });
   };
   return open_on_demand(kListColumns, std::make_shared<QueryRowSource>(db, count, fetch));
 }
@@ -309,8 +275,8 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
     slots.resize(kStatusSlots, kUnusedStatus);
     ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, {}};
     std::copy(slots.begin(), slots.end(), filter.slots.begin());
-    const std::optional<int> one =
-        db().read([&](soci::session& sql) { return single_requisitioner(sql, filter); });
+    const std::optional<int> one = db().read(
+        [&](soci::session& sql) { return single_user(sql, filter.login, filter.self); });
     if (one) return one_user_list(db_ptr(), filter, *one, order);
     return db().read([&](soci::session&) {
       ListStatement& q = db().prepared<ListStatement>(

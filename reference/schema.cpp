@@ -395,6 +395,33 @@ void create_portal_form_tokens(soci::session& sql, Backend backend) {
              backend);
 }
 
+// A page of one user's orders reads its rows in list order straight from an index: each
+// order carries its requisitioner, copied from the requisition by a trigger whoever
+// inserts it (a requisition's requisitioner never changes).
+void create_order_list_indexes(soci::session& sql, Backend backend) {
+  sql << "ALTER TABLE purchase_orders ADD COLUMN requisitioner_id INTEGER "
+         "REFERENCES users(sys_user_id)";
+  sql << "UPDATE purchase_orders SET requisitioner_id = (SELECT r.requisitioner_id FROM "
+         "requisitions r WHERE r.req_id = purchase_orders.req_id)";
+  if (backend == Backend::kPostgres) {
+    sql << "CREATE FUNCTION purchase_orders_requisitioner() RETURNS trigger AS $$ BEGIN "
+           "NEW.requisitioner_id := (SELECT r.requisitioner_id FROM requisitions r "
+           "WHERE r.req_id = NEW.req_id); RETURN NEW; END $$ LANGUAGE plpgsql";
+    sql << "CREATE TRIGGER purchase_orders_requisitioner BEFORE INSERT OR UPDATE OF req_id, "
+           "requisitioner_id ON purchase_orders FOR EACH ROW EXECUTE FUNCTION purchase_orders_requisitioner()";
+  } else {
+    sql << "CREATE TRIGGER purchase_orders_requisitioner AFTER INSERT ON purchase_orders "
+           "BEGIN UPDATE purchase_orders SET requisitioner_id = (SELECT r.requisitioner_id "
+           "FROM requisitions r WHERE r.req_id = NEW.req_id) WHERE po_id = NEW.po_id; END";
+    sql << "CREATE TRIGGER purchase_orders_requisitioner_kept AFTER UPDATE OF req_id, "
+           "requisitioner_id ON purchase_orders BEGIN UPDATE purchase_orders SET "
+           "requisitioner_id = (SELECT r.requisitioner_id FROM requisitions r "
+           "WHERE r.req_id = NEW.req_id) WHERE po_id = NEW.po_id; END";
+  }
+  sql << "CREATE INDEX purchase_orders_user_created ON purchase_orders(requisitioner_id, "
+         "create_date, po_id)";
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -407,6 +434,7 @@ const std::vector<Migration>& migrations() {
       {6, "portal sessions and sign-in throttling", create_portal_tables},
       {7, "list indexes", create_list_indexes},
       {8, "portal one-time form tokens", create_portal_form_tokens},
+      {10, "order list indexes", create_order_list_indexes},
   };
   return all;
 }

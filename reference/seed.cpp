@@ -57,6 +57,7 @@ struct Seeder {
   std::vector<int32_t> borgs, leaves, parts, suppliers;
   std::vector<std::vector<int32_t>> staff;  // per organisation: requisitioners
   std::vector<int32_t> heads;               // per organisation: the head
+  int32_t bench_user_id = 0;
 
   int pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); }
 
@@ -389,15 +390,23 @@ struct Seeder {
     });
   }
 
+  // The benchmark user, added when a benchmark asks for rows of its own.
+  int32_t bench_user() {
+    if (bench_user_id == 0) {
+      NewUser u;
+      u.borg_id = borgs[0];
+      u.login_id = "bench";
+      u.full_name = "Bench Marker";
+      u.password = "bench-pw";
+      bench_user_id = AddUser(db, u, HashCost::kMinimum);
+    }
+    return bench_user_id;
+  }
+
   // The benchmark user's requisitions, written in bulk through statements prepared once.
   void bench_rows() {
     if (opt.bench_rows <= 0) return;
-    NewUser u;
-    u.borg_id = borgs[0];
-    u.login_id = "bench";
-    u.full_name = "Bench Marker";
-    u.password = "bench-pw";
-    const int32_t user = AddUser(db, u, HashCost::kMinimum);
+    const int32_t user = bench_user();
     const int32_t statuses[] = {1, 2, 3, 4, 5, 7};
     db.write([&](soci::session& sql) {
       int req_id = 0, status = 0, part = 0, supplier = 0, borg = borgs[0];
@@ -434,6 +443,52 @@ struct Seeder {
     });
     counts.requisitions += opt.bench_rows;
   }
+
+  // The benchmark user's orders: an approved requisition each, ordered from one of a few
+  // suppliers, in every order status in turn, created a minute apart.
+  void bench_orders() {
+    if (opt.bench_orders <= 0) return;
+    const int32_t user = bench_user();
+    const int32_t statuses[] = {1, 2, 3, 4, 5, 6, 7};
+    const char* const suppliers[] = {"Office Supplies Inc", "Paper Mill", "Desk Works"};
+    db.write([&](soci::session& sql) {
+      int req_id = 0, po_id = 0, status = 0, borg = borgs[0];
+      const int approved = req_status::kApproved;
+      long long price = 0;
+      double qty = 1;
+      std::string name, created, supplier, desc;
+      soci::statement req =
+          (sql.prepare << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, "
+                          "borg_id, currency_code, create_date, submit_date) VALUES (:n, :s, :u, "
+                          ":b, 'USD', :d, :d2) RETURNING req_id",
+           soci::use(name), soci::use(approved), soci::use(user), soci::use(borg),
+           soci::use(created), soci::use(created), soci::into(req_id));
+      soci::statement order =
+          (sql.prepare << "INSERT INTO purchase_orders (req_id, supplier_name, status_id, "
+                          "create_date, currency_code) VALUES (:r, :n, :s, :d, 'USD') "
+                          "RETURNING po_id",
+           soci::use(req_id), soci::use(supplier), soci::use(status), soci::use(created),
+           soci::into(po_id));
+      soci::statement line =
+          (sql.prepare << "INSERT INTO po_lines (po_id, line_num, req_line_num, description, "
+                          "qty, unit_price, currency_code) VALUES (:p, 1, 1, :d, :q, :pr, 'USD')",
+           soci::use(po_id), soci::use(desc), soci::use(qty), soci::use(price));
+      const int64_t start = db.now().seconds() - int64_t{opt.bench_orders} * 60;
+      for (int32_t i = 0; i < opt.bench_orders; ++i) {
+        name = "Bench order " + std::to_string(i + 1);
+        created = date_text(Date::from_seconds(start + int64_t{i} * 60));
+        req.execute(true);
+        supplier = suppliers[i % 3];
+        status = statuses[i % 7];
+        order.execute(true);
+        desc = "Bench part " + std::to_string(i % 50);
+        qty = 1 + i % 5;
+        price = 10000 + (i % 50) * 2500;
+        line.execute(true);
+      }
+    });
+    counts.requisitions += opt.bench_orders;
+  }
 };
 
 }  // namespace
@@ -444,7 +499,7 @@ SeedCounts Seed(Database& db, const SeedOptions& options) {
   if (existing > 0) refuse(Refusal::kInvalidArgument, "The database already holds data.");
   // Business objects hold their database shared; this one outlives them all.
   Seeder s{db, options, DatabasePtr(&db, [](Database*) {}), std::mt19937(options.random_seed), {},
-           {}, {}, {}, {}, {}, {}};
+           {}, {}, {}, {}, {}, {}, 0};
   s.reference_data();
   s.users();
   s.catalog();
@@ -454,6 +509,7 @@ SeedCounts Seed(Database& db, const SeedOptions& options) {
   s.order_side();
   seed_parts::Documents(db);
   s.bench_rows();
+  s.bench_orders();
   db.read([&](soci::session& sql) {
     sql << "SELECT COUNT(*) FROM purchase_orders", soci::into(s.counts.orders);
   });

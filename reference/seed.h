@@ -24,6 +24,9 @@ struct SeedOptions {
   // Extra requisitions of the benchmark user "bench" (one line each, statuses in turn),
   // written straight into the tables: the size knob for list benchmarks.
   int32_t bench_rows = 0;
+  // Orders of the benchmark user, each from an approved requisition of its own with one
+  // line, written straight into the tables: the size knob for order list benchmarks.
+  int32_t bench_orders = 0;
   uint32_t random_seed = 42;
   // When given, moves the database's clock on by some seconds between requisitions, so
   // dates spread over the past instead of all being now.
