@@ -17,6 +17,7 @@
 #include "kxui/frame/text.h"
 #include "reference/database.h"
 #include "reference/rows.h"
+#include "reference/schema.h"
 #include "reference/test_fixture.h"
 
 namespace kxui::reference {
@@ -185,20 +186,48 @@ void expect_lists_as_before(Fixture& f, int32_t first_order, const ListCall& cal
   }
 }
 
+ListCall order_list_of(Runtime& runtime) {
+  std::shared_ptr<business::PurchaseOrder> tier =
+      create_as<business::PurchaseOrder>(runtime, progid::PurchaseOrder);
+  return [tier](const SessionPtr& s, const Ask& ask, const char* sort, std::string& error) {
+    Variant cd;
+    RecordsetPtr rs = tier->GetPOList(s, Variant(ask.login), Variant(ask.borg), ask.number,
+                                      Variant(sort), Variant(ask.statuses), cd);
+    if (!rs) error = tier->GetError()->Description();
+    return rs;
+  };
+}
+
 TEST(OrderLists, TheOrderListHasTheRowsOfTheWholeListForEverySortAndFilter) {
   auto f = make_fixture();
   const int32_t first = add_orders(*f);
-  auto tier = create_as<business::PurchaseOrder>(*f->runtime, progid::PurchaseOrder);
-  expect_lists_as_before(
-      *f, first,
-      [&](const SessionPtr& s, const Ask& ask, const char* sort, std::string& error) {
-        Variant cd;
-        RecordsetPtr rs = tier->GetPOList(s, Variant(ask.login), Variant(ask.borg), ask.number,
-                                          Variant(sort), Variant(ask.statuses), cd);
-        if (!rs) error = tier->GetError()->Description();
-        return rs;
-      },
-      "");
+  expect_lists_as_before(*f, first, order_list_of(*f->runtime), "");
+}
+
+// Orders written before the database learnt to keep each order's requisitioner are
+// listed as before once it has.
+TEST(OrderLists, OrdersWrittenBeforeAnUpgradeAreListedAfterIt) {
+  auto f = std::make_unique<Fixture>();
+  f->dir = testing::fresh_dir();
+  f->scratch = std::make_unique<testing::ScratchDatabase>(f->dir, "kx.db");
+  f->url = f->scratch->url();
+  std::vector<Migration> older;
+  for (const Migration& m : migrations()) {
+    if (m.version < 10) older.push_back(m);
+  }
+  DatabaseOptions options = f->options();
+  options.migrations = &older;
+  f->db = Database::Open(f->url, options);
+  testing::populate(*f);
+  const int32_t first = add_orders(*f);
+  f->db.reset();
+  f->db = Database::Open(f->url, f->options());
+  ASSERT_EQ(f->db->schema_version(), migrations().back().version);
+  services::ServiceOptions so;
+  so.ini_directory = f->dir;
+  services::RegisterDefaultServices(*f->runtime, so);
+  Register(*f->runtime, f->db);
+  expect_lists_as_before(*f, first, order_list_of(*f->runtime), "");
 }
 
 TEST(OrderLists, TheReceivingListHasTheRowsOfTheWholeListForEverySortAndFilter) {
