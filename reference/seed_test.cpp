@@ -142,5 +142,49 @@ TEST(Seed, EveryTableHoldsConsistentRows) {
   EXPECT_EQ(count("SELECT COUNT(*) FROM delegations"), 3) << "one manager away per organisation";
 }
 
+// The benchmark user's orders, alongside its requisitions: one user, every order status,
+// each order with a line, and every order kept under its requisition's requisitioner.
+TEST(Seed, BenchOrdersBelongToTheBenchUser) {
+  testing::TempDir tmp;
+  testing::ScratchDatabase scratch(tmp.path, "seed.db");
+  auto db = Database::Open(scratch.url());
+  SeedOptions options;
+  options.users_per_borg = 5;
+  options.parts = 20;
+  options.requisitions_per_user = 0;
+  options.bench_rows = 5;
+  options.bench_orders = 30;
+  Seed(*db, options);
+  const auto count = [&](const std::string& query) {
+    int n = -1;
+    db->read([&](soci::session& sql) { sql << query, soci::into(n); });
+    return n;
+  };
+  struct Check {
+    const char* what;
+    const char* query;
+    int expected;
+  };
+  const Check checks[] = {
+      {"one bench user", "SELECT COUNT(*) FROM users WHERE login_id = 'bench'", 1},
+      {"its orders",
+       "SELECT COUNT(*) FROM purchase_orders o JOIN users u ON u.sys_user_id = "
+       "o.requisitioner_id WHERE u.login_id = 'bench'",
+       30},
+      {"and its requisitions, ordered or not",
+       "SELECT COUNT(*) FROM requisitions r JOIN users u ON u.sys_user_id = "
+       "r.requisitioner_id WHERE u.login_id = 'bench'",
+       35},
+      {"every order status", "SELECT COUNT(DISTINCT status_id) FROM purchase_orders", 7},
+      {"orders without a line", "SELECT COUNT(*) FROM purchase_orders o WHERE NOT EXISTS "
+                                "(SELECT 1 FROM po_lines l WHERE l.po_id = o.po_id)", 0},
+      {"orders under another requisitioner",
+       "SELECT COUNT(*) FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id "
+       "WHERE o.requisitioner_id IS NULL OR o.requisitioner_id <> r.requisitioner_id",
+       0},
+  };
+  for (const Check& c : checks) EXPECT_EQ(count(c.query), c.expected) << c.what;
+}
+
 }  // namespace
 }  // namespace kxui::reference

@@ -1,9 +1,9 @@
 // kxseed: fills a new reference database with a realistic data set.
 //
-//   kxseed --db demo.db [--rows N] [--parts N] [--users-per-borg N] [--seed N]
+//   kxseed --db demo.db [--rows N] [--orders N] [--parts N] [--users-per-borg N] [--seed N]
 //
-// --rows adds N requisitions of the user "bench" for list benchmarks. The database may
-// also be "postgresql://<conninfo>".
+// --rows adds N requisitions of the user "bench" for list benchmarks, --orders N orders.
+// The database may also be "postgresql://<conninfo>".
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -16,8 +16,8 @@
 namespace {
 
 int usage() {
-  std::cerr << "usage: kxseed --db <file or url> [--rows N] [--parts N] [--users-per-borg N] "
-               "[--seed N]\n";
+  std::cerr << "usage: kxseed --db <file or url> [--rows N] [--orders N] [--parts N] "
+               "[--users-per-borg N] [--seed N]\n";
   return 2;
 }
 
@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
     try {
       if (arg == "--db") url = value;
       else if (arg == "--rows") options.bench_rows = std::stoi(value);
+      else if (arg == "--orders") options.bench_orders = std::stoi(value);
       else if (arg == "--parts") options.parts = std::stoi(value);
       else if (arg == "--users-per-borg") options.users_per_borg = std::stoi(value);
       else if (arg == "--seed") options.random_seed = static_cast<uint32_t>(std::stoul(value));
@@ -42,7 +43,8 @@ int main(int argc, char** argv) {
       return usage();
     }
   }
-  if (url.empty() || options.parts < 1 || options.users_per_borg < 5 || options.bench_rows < 0) {
+  if (url.empty() || options.parts < 1 || options.users_per_borg < 5 || options.bench_rows < 0 ||
+      options.bench_orders < 0) {
     return usage();
   }
   // Dates spread over the last 120 days: the clock starts back then and moves on.
