@@ -7,6 +7,7 @@
 #include "kxui/frame/paging.h"
 #include "kxui/testing/fake_services.h"
 #include "kxui/testing/mock_po.h"
+#include "kxui/testing/row_sources.h"
 
 namespace kxui {
 namespace {
@@ -293,6 +294,43 @@ TEST_F(UIPOTest, ListPageBoundsFollowThePagingRule) {
     if (c.count == 0) continue;
     EXPECT_EQ((*page)["POID"].Value(), Variant(c.first_id));
     EXPECT_EQ((*page)["UIDisplay_CurrentPage"].Value(), Variant(c.current));
+  }
+}
+
+// Over a long list read on demand, a page reads its own rows and no others: at most one
+// block of the record set, reaching into the page.
+TEST_F(UIPOTest, ListPageReadsOnlyItsRowsOfAListReadOnDemand) {
+  constexpr int64_t kBlock = 64;
+  // Past the end of a list that fills its last page, the rule shows one row more.
+  struct Case {
+    int32_t page, first_id, count;
+  } const cases[] = {{0, 1, 20}, {1, 1, 20}, {250, 4981, 20}, {500, 9981, 20}, {900, 9980, 21}};
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
+  std::vector<std::vector<Variant>> rows;
+  for (int32_t i = 1; i <= 10000; ++i) {
+    rows.push_back({Variant(i), Variant(at(1 + i % 28, 10)), Variant(Currency::from_double(i)),
+                    Variant("USD")});
+  }
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.page);
+    auto source = std::make_shared<testing::VectorRowSource>(rows);
+    auto list = std::make_shared<Recordset>();
+    list->GetFields().Append("POID", adInteger);
+    list->GetFields().Append("CreateDate", adDate);
+    list->GetFields().Append("TotalAmtDue", adCurrency);
+    list->GetFields().Append("CurrencyCode", adVarWChar, 3);
+    list->Open(source);
+    list->MoveFirst();
+    EXPECT_CALL(*po, GetPOList).WillOnce(Return(list));
+    auto page = ui.GetPOListPage(session, "", "", "", "", "", c.page);
+    ASSERT_NE(page, nullptr) << error()->Description();
+    EXPECT_EQ(column(*page, "POID").front(), std::to_string(c.first_id));
+    EXPECT_EQ(page->RecordCount(), c.count);
+    EXPECT_LE(source->rows_read, kBlock);
+    for (int64_t first : source->firsts) {
+      EXPECT_GT(first + kBlock, c.first_id - 1);
+      EXPECT_LE(first, c.first_id + c.count - 2);
+    }
   }
 }
 

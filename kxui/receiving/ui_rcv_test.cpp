@@ -11,6 +11,7 @@
 #include "kxui/business/progids.h"
 #include "kxui/testing/fake_services.h"
 #include "kxui/testing/mock_receiving.h"
+#include "kxui/testing/row_sources.h"
 
 namespace kxui {
 namespace {
@@ -346,6 +347,41 @@ TEST_F(UIRcvTest, ReceiveListPagePassesTheFiltersAndPagesWithDatesInTheUsersZone
     EXPECT_EQ(fakes.ini->reads, (Names{"DateFormat", "Page Size"}));
     EXPECT_EQ(calls,
               (Calls{{"GetReceiveList", {"PONumber", "1,2", "PO-9", "alice", "Works", custom}}}));
+  }
+}
+
+// Over a long list read on demand, a page reads its own rows and no others: at most one
+// block of the record set, reaching into the page.
+TEST_F(UIRcvTest, ReceiveListPageReadsOnlyItsRowsOfAListReadOnDemand) {
+  constexpr int64_t kBlock = 64;
+  // Past the end of a list that fills its last page, the rule shows one row more.
+  struct Case {
+    int32_t page, first_id, count;
+  } const cases[] = {{0, 1, 20}, {2, 21, 20}, {250, 4981, 20}, {500, 9981, 20}, {900, 9980, 21}};
+  fakes.ini->set("Page Size", "Paging", "Dunmere", "20");
+  std::vector<std::vector<Variant>> rows;
+  for (int32_t i = 1; i <= 10000; ++i) rows.push_back({Variant(i), Variant(at(2024, 3, 2, 23, 0))});
+  std::shared_ptr<testing::VectorRowSource> source;
+  make_source = [&] {
+    source = std::make_shared<testing::VectorRowSource>(rows);
+    auto list = std::make_shared<Recordset>();
+    list->GetFields().Append("POID", adInteger);
+    list->GetFields().Append("CreateDate", adDate);
+    list->Open(source);
+    list->MoveFirst();
+    return list;
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.page);
+    RecordsetPtr rs = ui.GetReceiveListPage(session, "", "", "", "", "", c.page, custom);
+    ASSERT_NE(rs, nullptr) << ui.Error()->Description();
+    ASSERT_EQ(rs->RecordCount(), c.count);
+    EXPECT_EQ(rs->value(0), Variant(c.first_id));
+    EXPECT_LE(source->rows_read, kBlock);
+    for (int64_t first : source->firsts) {
+      EXPECT_GT(first + kBlock, c.first_id - 1);
+      EXPECT_LE(first, c.first_id + c.count - 2);
+    }
   }
 }
 
