@@ -30,6 +30,29 @@ namespace {
 
 using namespace kxui;
 
+// The seeded lists are kept in the build tree: seeding a million requisitions takes
+// minutes, and a kept file gains any later schema version when it opens.
+std::filesystem::path seeded_list(int32_t rows) {
+  const std::filesystem::path dir = KXUI_BENCH_DATA_DIR;
+  std::filesystem::create_directories(dir);
+  const std::filesystem::path file = dir / ("requisition_list_" + std::to_string(rows) + ".db");
+  if (std::filesystem::exists(file)) return file;
+  // Seeded under another name first, so an interrupted run leaves no half-filled list.
+  const std::filesystem::path partial = file.string() + ".partial";
+  std::filesystem::remove(partial);
+  {
+    auto db = reference::Database::Open(partial.string());
+    reference::SeedOptions seed;
+    seed.users_per_borg = 2;
+    seed.parts = 50;
+    seed.requisitions_per_user = 0;
+    seed.bench_rows = rows;
+    reference::Seed(*db, seed);
+  }  // closed: the log is folded into the file
+  std::filesystem::rename(partial, file);
+  return file;
+}
+
 struct Setup {
   std::filesystem::path dir;
   std::shared_ptr<reference::Database> db;
@@ -41,13 +64,7 @@ struct Setup {
           ("kxbench_" + std::to_string(::getpid()) + "_" + std::to_string(rows));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
-    db = reference::Database::Open((dir / "bench.db").string());
-    reference::SeedOptions seed;
-    seed.users_per_borg = 2;
-    seed.parts = 50;
-    seed.requisitions_per_user = 0;
-    seed.bench_rows = rows;
-    reference::Seed(*db, seed);
+    db = reference::Database::Open(seeded_list(rows).string());
     services::ServiceOptions options;
     options.ini_directory = dir;
     services::RegisterDefaultServices(*runtime, options);
