@@ -1,6 +1,6 @@
 // UIReq.GetListPage over the reference tier: the first page and a middle page of one
-// user's 1,000 and 1,000,000 requisitions, with the default services formatting the
-// dates. The tier hands over a record set that reads its rows on demand, so a page should
+// user's 1,000 and 1,000,000 requisitions, newest and oldest first, with the default
+// services formatting the dates. The tier hands over a record set that reads its rows on demand, so a page should
 // cost about the same whatever the length of the list; the ratios of the largest list to
 // the smallest, page by page, say how far it does. KXUI_BENCH_LIST_ROWS (say "100,2000")
 // replaces the sizes for a quick run.
@@ -90,14 +90,17 @@ Setup& setup(int32_t rows) {
   return *s;
 }
 
-// Args: rows, page (0 = the middle page).
+// The sorts measured: the list's own (newest first) and oldest first.
+constexpr const char* kSorts[] = {"", "CreateDate"};
+
+// Args: rows, page (0 = the middle page), sort (index into kSorts).
 void BM_GetListPage(benchmark::State& state) {
   const auto rows = static_cast<int32_t>(state.range(0));
   Setup& s = setup(rows);
   const int32_t page = state.range(1) == 0 ? rows / 20 / 2 : static_cast<int32_t>(state.range(1));
   UIReq req(s.runtime);
   for (auto _ : state) {
-    RecordsetPtr out = req.GetListPage(s.session, "bench", "", "CreateDate", "", page);
+    RecordsetPtr out = req.GetListPage(s.session, "bench", "", kSorts[state.range(2)], "", page);
     if (!out || out->RecordCount() != 20) {
       state.SkipWithError(("no page: " + req.Error()->Description()).c_str());
       break;
@@ -132,14 +135,15 @@ class RatioReporter : public benchmark::ConsoleReporter {
   void Finalize() override {
     ConsoleReporter::Finalize();
     const auto sizes = list_sizes();
-    for (const char* page : {"1", "0"}) {
+    for (const char* page : {"1/0", "0/0", "1/1", "0/1"}) {
       const auto small = ms_.find(std::to_string(sizes.front()) + "/" + page);
       const auto large = ms_.find(std::to_string(sizes.back()) + "/" + page);
       if (small == ms_.end() || large == ms_.end()) continue;
       std::printf(
-          "%s page, median: %lld rows %.3f ms real %.3f ms CPU, %lld rows %.3f ms real %.3f ms "
-          "CPU, ratio %.2f real %.2f CPU\n",
-          page[0] == '1' ? "first" : "middle", static_cast<long long>(sizes.front()),
+          "%s page, %s, median: %lld rows %.3f ms real %.3f ms CPU, %lld rows %.3f ms real "
+          "%.3f ms CPU, ratio %.2f real %.2f CPU\n",
+          page[0] == '1' ? "first" : "middle", page[2] == '0' ? "newest first" : "oldest first",
+          static_cast<long long>(sizes.front()),
           small->second.first, small->second.second, static_cast<long long>(sizes.back()),
           large->second.first, large->second.second, large->second.first / small->second.first,
           large->second.second / small->second.second);
@@ -147,7 +151,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
   }
 
  private:
-  std::map<std::string, std::pair<double, double>> ms_;  // "rows/page" -> median ms, real and CPU
+  // "rows/page/sort" -> median ms, real and CPU
+  std::map<std::string, std::pair<double, double>> ms_;
 };
 
 }  // namespace
@@ -156,11 +161,13 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   for (int64_t rows : list_sizes()) {
-    for (int64_t page : {1, 0}) {
-      benchmark::RegisterBenchmark("BM_GetListPage", BM_GetListPage)
-          ->Args({rows, page})
-          ->Repetitions(3)
-          ->Unit(benchmark::kMillisecond);
+    for (int64_t sort : {0, 1}) {
+      for (int64_t page : {1, 0}) {
+        benchmark::RegisterBenchmark("BM_GetListPage", BM_GetListPage)
+            ->Args({rows, page, sort})
+            ->Repetitions(3)
+            ->Unit(benchmark::kMillisecond);
+      }
     }
   }
   RatioReporter reporter;
