@@ -189,9 +189,9 @@ TEST(OnDemandList, KeptCountsFollowEveryChange) {
       {"name only", "UPDATE requisitions SET req_name = 'Renamed', status_id = status_id"},
       {"deleted", "DELETE FROM requisitions WHERE status_id = 6"},
   };
-  for (const auto& [what, change] : changes) {
-    SCOPED_TRACE(what);
-    if (!change.empty()) f->db->write([&](soci::session& sql) { sql << change; });
+  for (const auto& step : changes) {
+    SCOPED_TRACE(step.first);
+    if (!step.second.empty()) f->db->write([&](soci::session& sql) { sql << step.second; });
     expect_counts_kept(*f->db);
   }
   // And the lists read through them still match the requisitions.
