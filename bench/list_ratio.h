@@ -27,11 +27,13 @@ inline std::vector<int64_t> list_sizes(const char* fallback) {
 }
 
 // Console output, then each page's median cost on the largest list over the smallest, in
-// wall-clock and in CPU time (the steadier figure on a shared machine). Runs are told
-// apart by their arguments "rows/page", page 1 being the first and 0 the middle one.
+// wall-clock and in CPU time (the steadier figure on a shared machine). A run is named by
+// its arguments after the list size ("1/0" for "rows/1/0"), each with a label to print.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
-  explicit RatioReporter(std::vector<int64_t> sizes) : sizes_(std::move(sizes)) {}
+  using Labels = std::vector<std::pair<std::string, std::string>>;
+  RatioReporter(std::vector<int64_t> sizes, Labels labels)
+      : sizes_(std::move(sizes)), labels_(std::move(labels)) {}
 
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
@@ -44,14 +46,14 @@ class RatioReporter : public benchmark::ConsoleReporter {
   void Finalize() override {
     ConsoleReporter::Finalize();
     if (sizes_.empty()) return;
-    for (const char* page : {"1", "0"}) {
-      const auto small = ms_.find(std::to_string(sizes_.front()) + "/" + page);
-      const auto large = ms_.find(std::to_string(sizes_.back()) + "/" + page);
+    for (const auto& [args, label] : labels_) {
+      const auto small = ms_.find(std::to_string(sizes_.front()) + "/" + args);
+      const auto large = ms_.find(std::to_string(sizes_.back()) + "/" + args);
       if (small == ms_.end() || large == ms_.end()) continue;
       std::printf(
-          "%s page, median: %lld rows %.3f ms real %.3f ms CPU, %lld rows %.3f ms real %.3f ms "
+          "%s, median: %lld rows %.3f ms real %.3f ms CPU, %lld rows %.3f ms real %.3f ms "
           "CPU, ratio %.2f real %.2f CPU\n",
-          page[0] == '1' ? "first" : "middle", static_cast<long long>(sizes_.front()),
+          label.c_str(), static_cast<long long>(sizes_.front()),
           small->second.first, small->second.second, static_cast<long long>(sizes_.back()),
           large->second.first, large->second.second, large->second.first / small->second.first,
           large->second.second / small->second.second);
@@ -60,7 +62,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
  private:
   std::vector<int64_t> sizes_;
-  std::map<std::string, std::pair<double, double>> ms_;  // "rows/page" -> median ms, real and CPU
+  Labels labels_;
+  std::map<std::string, std::pair<double, double>> ms_;  // arguments -> median ms, real and CPU
 };
 
 }  // namespace kxbench

@@ -12,6 +12,7 @@
 #include "kxui/frame/errors.h"
 #include "kxui/frame/failure.h"
 #include "reference/database.h"
+#include "reference/schema.h"
 #include "reference/rows.h"
 #include "reference/test_fixture.h"
 
@@ -27,8 +28,9 @@ constexpr Column kColumns[] = {
     {"SubmitDate", Kind::kDate},    {"NumberOfItems", Kind::kInt},
     {"CurrencyCode", Kind::kText, 3}};
 
-// 150 requisitions of alice in both organisations, with repeated dates, names and
-// statuses so that the key decides ties; a few of bob's, which no list of hers shows.
+// 150 requisitions of alice in both organisations over three years, with repeated dates,
+// names and statuses so that the key decides ties; a few of bob's, which no list of hers
+// shows.
 void add_requisitions(Database& db, int32_t alice, int32_t bob, int32_t acme, int32_t berg) {
   db.write([&](soci::session& sql) {
     std::string name, created, submitted;
@@ -45,7 +47,8 @@ void add_requisitions(Database& db, int32_t alice, int32_t bob, int32_t acme, in
       name = "Req " + std::to_string(i % 7);
       status = 1 + i % 5;
       borg = i % 4 == 0 ? berg : acme;
-      created = "2025-0" + std::to_string(1 + i % 9) + "-1" + std::to_string(i % 3) + " 08:00:00";
+      created = "202" + std::to_string(3 + i / 5 % 3) + "-0" + std::to_string(1 + i % 9) + "-1" +
+                std::to_string(i % 3) + " 08:00:00";
       submitted = "2025-10-0" + std::to_string(1 + i % 8) + " 09:30:00";
       submitted_ind = i % 6 == 0 ? soci::i_null : soci::i_ok;
       insert.execute(true);
@@ -132,6 +135,113 @@ TEST(OnDemandList, SameRowsAsTheWholeListForEverySortAndFilter) {
       expect_same_rows(*list, *whole, walk);
     }
   }
+}
+
+// The counts kept for the list, against the same counts taken from the requisitions.
+void expect_counts_kept(Database& db) {
+  auto rows = [&](const std::string& query) {
+    std::vector<std::string> out;
+    db.read([&](soci::session& sql) {
+      soci::rowset<std::string> rs = sql.prepare << query;
+      out.assign(rs.begin(), rs.end());
+    });
+    return out;
+  };
+  auto text = [](const char* e) { return std::string("CAST(") + e + " AS VARCHAR(20))"; };
+  auto row = [&](const char* level, const char* period, const char* n) {
+    return text("requisitioner_id") + " || '/' || " + text(level) + " || '/' || " + period +
+           " || '/' || " + text("status_id") + " || '/' || " + text("borg_id") + " || '=' || " +
+           text(n);
+  };
+  const std::vector<std::string> kept = rows("SELECT " + row("level", "period", "n") +
+                                             " FROM req_list_counts WHERE n <> 0 ORDER BY 1");
+  std::string counted;
+  for (const char* level : {"0", "1", "2"}) {
+    const std::string period = std::string("substr(create_date, 1, ") +
+                               (level[0] == '0' ? "4" : level[0] == '1' ? "7" : "10") + ")";
+    counted += std::string(counted.empty() ? "" : " UNION ALL ") + "SELECT " +
+               row(level, period.c_str(), "COUNT(*)") +
+               " FROM requisitions GROUP BY requisitioner_id, " + period + ", status_id, borg_id";
+  }
+  EXPECT_EQ(kept, rows(counted + " ORDER BY 1"));
+}
+
+// Whatever changes a requisition, the counts a list is counted and positioned by follow.
+TEST(OnDemandList, KeptCountsFollowEveryChange) {
+  auto f = make_fixture();
+  add_requisitions(*f->db, f->ids.alice, f->ids.bob, f->ids.acme, f->ids.berg);
+  const std::string alice = std::to_string(f->ids.alice), bob = std::to_string(f->ids.bob);
+  const std::string berg = std::to_string(f->ids.berg);
+  const std::string some = " WHERE req_id IN (SELECT req_id FROM requisitions WHERE "
+                           "requisitioner_id = " + alice + " AND status_id = 2)";
+  const std::pair<const char*, std::string> changes[] = {
+      {"as added", ""},
+      {"a new one", "INSERT INTO requisitions (req_name, status_id, requisitioner_id, borg_id, "
+                    "currency_code, create_date) VALUES ('New', 1, " + alice + ", " + berg +
+                        ", 'USD', '2026-11-23 10:00:00')"},
+      {"status", "UPDATE requisitions SET status_id = 6" + some},
+      {"requisitioner", "UPDATE requisitions SET requisitioner_id = " + bob +
+                            " WHERE req_id IN (SELECT req_id FROM requisitions WHERE "
+                            "requisitioner_id = " + alice + " AND status_id = 3)"},
+      {"organisation", "UPDATE requisitions SET borg_id = " + berg + " WHERE status_id = 4"},
+      {"created in another year", "UPDATE requisitions SET create_date = '2019-12-31 23:59:59'"
+                                  " WHERE status_id = 5"},
+      {"name only", "UPDATE requisitions SET req_name = 'Renamed', status_id = status_id"},
+      {"deleted", "DELETE FROM requisitions WHERE status_id = 6"},
+  };
+  for (const auto& step : changes) {
+    SCOPED_TRACE(step.first);
+    if (!step.second.empty()) f->db->write([&](soci::session& sql) { sql << step.second; });
+    expect_counts_kept(*f->db);
+  }
+  // And the lists read through them still match the requisitions.
+  auto tier = create_as<business::Requisition>(*f->runtime, progid::Requisition);
+  const std::pair<const char*, const char*> sorts[] = {
+      {"CreateDate", "r.create_date, r.req_id"},
+      {"CreateDate DESC", "r.create_date DESC, r.req_id DESC"}};
+  for (const auto& [sort, order] : sorts) {
+    SCOPED_TRACE(sort);
+    Variant cd;
+    RecordsetPtr list = tier->GetRequisitionList(f->session(f->ids.bob), "", "", sort, "", cd);
+    ASSERT_TRUE(list) << tier->GetError()->Description();
+    RecordsetPtr whole = whole_list(*f->db, f->ids.bob, "", "", order);
+    std::vector<int32_t> walk;
+    for (int32_t p = whole->RecordCount(); p > 0; --p) walk.push_back(p);
+    expect_same_rows(*list, *whole, walk);
+  }
+}
+
+// A database kept from before the counts were kept gains them from its requisitions.
+TEST(OnDemandList, CountsAreTakenWhenTheSchemaGainsThem) {
+  testing::TempDir dir;
+  testing::ScratchDatabase scratch(dir.path, "counts.db");
+  std::vector<Migration> before;
+  for (const Migration& m : migrations()) {
+    if (m.version < 9) before.push_back(m);
+  }
+  ASSERT_EQ(migrations().at(before.size()).version, 9) << "the counts came with version 9";
+  {
+    DatabaseOptions options;
+    options.migrations = &before;
+    auto db = Database::Open(scratch.url(), options);
+    db->write([&](soci::session& sql) {
+      sql << "INSERT INTO borgs (borg_id, name, currency_code) VALUES (1, 'Acme', 'USD')";
+      sql << "INSERT INTO users (sys_user_id, borg_id, login_id, full_name, password_hash, "
+             "locale_id, time_zone_id, currency_code) SELECT 1, 1, 'a', 'A', 'x', MIN(l.locale_id), "
+             "MIN(z.time_zone_id), 'USD' FROM locales l, time_zones z";
+      for (int i = 0; i < 40; ++i) {
+        const std::string created = "202" + std::to_string(i % 4) + "-0" +
+                                    std::to_string(1 + i % 7) + "-01 12:00:00";
+        const int status = 1 + i % 3;
+        sql << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, borg_id, "
+               "currency_code, create_date) VALUES ('R', :s, 1, 1, 'USD', :c)",
+            soci::use(status), soci::use(created);
+      }
+    });
+  }
+  auto db = Database::Open(scratch.url());
+  EXPECT_EQ(db->schema_version(), migrations().back().version);
+  expect_counts_kept(*db);
 }
 
 // A list whose rows change after it was counted fails on the rows it can no longer read,

@@ -156,18 +156,29 @@ struct ListFilter {
 
 // One requisitioner's list: the filter on the requisitions alone, with only the
 // conditions the call sets, so that the index on (requisitioner, create date) serves the
-// count and the list order by itself.
+// list order by itself. `bound` limits the window's keys to one side of a create date:
+// where a window deep in a create-date list starts is found from the kept counts.
+enum class Bound { kNone, kFrom, kUpTo };
+
 struct Shape {
   bool borg = false;
   bool statuses = false;
-  std::string key() const { return std::string(borg ? " borg" : "") + (statuses ? " status" : ""); }
+  Bound bound = Bound::kNone;
+  std::string key() const {
+    return std::string(borg ? " borg" : "") + (statuses ? " status" : "") +
+           (bound == Bound::kFrom ? " from" : bound == Bound::kUpTo ? " upto" : "");
+  }
 };
 
-std::string one_user_filter(const Shape& shape) {
-  std::string where = "WHERE r.requisitioner_id = :uid";
-  if (shape.borg) where += " AND r.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
+// The conditions on `table` (the requisitions, or their kept counts: both carry the
+// requisitioner, organisation and status).
+std::string one_user_filter(const Shape& shape, const std::string& table) {
+  std::string where = "WHERE " + table + ".requisitioner_id = :uid";
+  if (shape.borg) {
+    where += " AND " + table + ".borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
+  }
   if (shape.statuses) {
-    where += " AND r.status_id IN (";
+    where += " AND " + table + ".status_id IN (";
     for (int i = 0; i < kStatusSlots; ++i) where += (i ? ", :s" : ":s") + std::to_string(i);
     where += ")";
   }
@@ -190,19 +201,46 @@ struct OneUserStatement : Database::PreparedState {
   }
 };
 
+// The list's length, summed from the kept yearly counts.
 struct CountStatement : OneUserStatement {
   long long count = 0;
 };
 
-struct PageStatement : OneUserStatement, ListRow, WindowBounds {};
-
 void prepare_count(soci::session& sql, CountStatement& s, const Shape& shape) {
-  const std::string query = "SELECT COUNT(*) FROM requisitions r " + one_user_filter(shape);
+  prepare_statement(sql, s,
+                    "SELECT COALESCE(SUM(c.n), 0) FROM req_list_counts c " +
+                        one_user_filter(shape, "c") + " AND c.level = 0",
+                    [&](soci::statement& st) {
+                      s.bind_filter(st, shape);
+                      st.exchange(soci::into(s.count));
+                    });
+}
+
+// The kept counts of one level within [from, to], period by period in list order.
+struct PeriodStatement : OneUserStatement {
+  int level = 0;
+  std::string from, to, period;
+  long long n = 0;
+};
+
+void prepare_periods(soci::session& sql, PeriodStatement& s, const Shape& shape, bool descending) {
+  const std::string query =
+      "SELECT c.period, SUM(c.n) FROM req_list_counts c " + one_user_filter(shape, "c") +
+      " AND c.level = :level AND c.period >= :from AND c.period <= :to GROUP BY c.period "
+      "ORDER BY c.period" + (descending ? " DESC" : "");
   prepare_statement(sql, s, query, [&](soci::statement& st) {
     s.bind_filter(st, shape);
-    st.exchange(soci::into(s.count));
+    st.exchange(soci::use(s.level));
+    st.exchange(soci::use(s.from));
+    st.exchange(soci::use(s.to));
+    st.exchange(soci::into(s.period));
+    st.exchange(soci::into(s.n));
   });
 }
+
+struct PageStatement : OneUserStatement, ListRow, WindowBounds {
+  std::string bound;
+};
 
 // The keys of the window in list order, then their rows. All rows are one user's, so a
 // sort on the requisitioner's name is a sort on the key alone.
@@ -212,26 +250,71 @@ void prepare_page(soci::session& sql, PageStatement& s, const std::string& order
   for (const char* by_name : {"u.full_name DESC, ", "u.full_name, "}) {
     if (key_order.rfind(by_name, 0) == 0) key_order.erase(0, std::string(by_name).size());
   }
+  const char* bound = shape.bound == Bound::kFrom   ? " AND r.create_date >= :bound"
+                      : shape.bound == Bound::kUpTo ? " AND r.create_date <= :bound"
+                                                    : "";
   const std::string query =
       "SELECT r.req_id, r.req_name, r.status_id, u.full_name, b.name, r.create_date, "
       "COALESCE(r.submit_date, r.create_date), "
       "(SELECT COUNT(*) FROM req_lines l WHERE l.req_id = r.req_id), r.currency_code "
       "FROM (SELECT r.req_id FROM requisitions r " +
-      one_user_filter(shape) + " ORDER BY " + key_order +
+      one_user_filter(shape, "r") + bound + " ORDER BY " + key_order +
       " LIMIT :n OFFSET :o) k JOIN requisitions r ON r.req_id = k.req_id "
       "JOIN users u ON u.sys_user_id = r.requisitioner_id "
       "JOIN borgs b ON b.borg_id = r.borg_id ORDER BY " +
       order;
   prepare_statement(sql, s, query, [&](soci::statement& st) {
     s.bind_filter(st, shape);
+    if (shape.bound != Bound::kNone) st.exchange(soci::use(s.bound));
     s.bind_window(st);
     s.bind_row(st);
   });
 }
 
+// Where row `first` of a create-date list lies: the day it was created on and how many
+// rows of the list come before it from that day on (from its end, descending). Walks the
+// kept counts year, month, then day; nothing when the list is shorter.
+struct Position {
+  std::string day;
+  int64_t offset = 0;
+};
+
+std::optional<Position> find_position(const DatabasePtr& db, const ListFilter& filter, int uid,
+                                      Shape shape, bool descending, int64_t first) {
+  shape.bound = Bound::kNone;
+  PeriodStatement& q = db->prepared<PeriodStatement>(
+      std::string("requisition periods") + (descending ? " desc" : "") + shape.key(),
+      [&](soci::session& s, PeriodStatement& st) { prepare_periods(s, st, shape, descending); });
+  q.set(filter, uid);
+  std::string period;
+  int64_t left = first;
+  // A year runs "YYYY-01".."YYYY-12", a month "YYYY-MM-01".."YYYY-MM-31".
+  const std::pair<const char*, const char*> within[] = {{"0000", "9999"}, {"-01", "-12"}, {"-01", "-31"}};
+  for (int level = 0; level < 3; ++level) {
+    q.level = level;
+    q.from = level == 0 ? within[0].first : period + within[level].first;
+    q.to = level == 0 ? within[0].second : period + within[level].second;
+    q.statement->execute(false);
+    bool found = false;
+    while (q.statement->fetch()) {
+      if (found) continue;  // stepped to its end, so it holds no read snapshot
+      if (left < q.n) {
+        period = q.period;
+        found = true;
+      } else {
+        left -= q.n;
+      }
+    }
+    if (!found) return std::nullopt;
+  }
+  return Position{period, left};
+}
+
 RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int uid,
                            const std::string& order) {
-  const Shape shape{!filter.borg.empty(), filter.all == 0};
+  const Shape shape{!filter.borg.empty(), filter.all == 0, Bound::kNone};
+  const bool by_created = order.rfind("r.create_date", 0) == 0;
+  const bool descending = order.find(" DESC") != std::string::npos;
   auto count = [db, filter, uid, shape](soci::session&) -> int64_t {
     CountStatement& q = db->prepared<CountStatement>(
         "requisition count" + shape.key(),
@@ -239,13 +322,26 @@ RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int 
     q.set(filter, uid);
     return run_count(*q.statement, q.count);
   };
-  auto fetch = [db, filter, uid, order, shape](soci::session&, int64_t first, int64_t rows,
-                                               std::vector<Variant>& out) {
+  auto fetch = [db, filter, uid, order, shape, by_created, descending](
+                   soci::session&, int64_t first, int64_t rows, std::vector<Variant>& out) {
+    Shape window = shape;
+    std::string bound;
+    int64_t offset = first;
+    // Deep in a create-date list the window starts at its day, found from the kept counts,
+    // rather than by skipping every row before it.
+    if (by_created && first > 0) {
+      const std::optional<Position> at = find_position(db, filter, uid, shape, descending, first);
+      if (!at) return;
+      window.bound = descending ? Bound::kUpTo : Bound::kFrom;
+      bound = at->day + (descending ? " 23:59:59" : " 00:00:00");
+      offset = at->offset;
+    }
     PageStatement& q = db->prepared<PageStatement>(
-        "requisition page " + order + shape.key(),
-        [&](soci::session& s, PageStatement& st) { prepare_page(s, st, order, shape); });
+        "requisition page " + order + window.key(),
+        [&](soci::session& s, PageStatement& st) { prepare_page(s, st, order, window); });
     q.set(filter, uid);
-    q.run_window(*q.statement, first, rows, [&] {
+    q.bound = bound;
+    q.run_window(*q.statement, offset, rows, [&] {
       out.emplace_back(int32_t{q.req_id});
       out.emplace_back(q.name);
       out.emplace_back(int32_t{q.status});

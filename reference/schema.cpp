@@ -395,6 +395,61 @@ void create_portal_form_tokens(soci::session& sql, Backend backend) {
              backend);
 }
 
+// Each requisitioner's requisitions counted by status and organisation for every year,
+// month and day of their creation, kept by the database itself on every change. A list
+// page then counts a long list, and finds where its window starts in create-date order,
+// from a few dozen of these rows instead of walking the list.
+void create_list_counts(soci::session& sql, Backend backend) {
+  sql << "CREATE TABLE req_list_counts (requisitioner_id INTEGER NOT NULL, "
+         "level INTEGER NOT NULL, period VARCHAR(10) NOT NULL, status_id INTEGER NOT NULL, "
+         "borg_id INTEGER NOT NULL, n INTEGER NOT NULL, "
+         "PRIMARY KEY (requisitioner_id, level, period, status_id, borg_id))";
+  // Level 0 counts a year ("2026"), 1 a month ("2026-11"), 2 a day ("2026-11-23").
+  for (int level = 0; level < 3; ++level) {
+    sql << "INSERT INTO req_list_counts (requisitioner_id, level, period, status_id, borg_id, n) "
+           "SELECT requisitioner_id, " + std::to_string(level) + ", " + "substr(create_date, 1, " +
+               std::to_string(level == 0 ? 4 : level == 1 ? 7 : 10) +
+               ") AS p, status_id, borg_id, COUNT(*) FROM requisitions "
+               "GROUP BY requisitioner_id, p, status_id, borg_id";
+  }
+  auto counted = [](const char* row, const char* change) {
+    const std::string r = row;
+    return std::string("INSERT INTO req_list_counts (requisitioner_id, level, period, status_id, "
+                       "borg_id, n) VALUES ") +
+           "(" + r + ".requisitioner_id, 0, substr(" + r + ".create_date, 1, 4), " + r +
+           ".status_id, " + r + ".borg_id, " + change + "), (" + r +
+           ".requisitioner_id, 1, substr(" + r + ".create_date, 1, 7), " + r + ".status_id, " + r +
+           ".borg_id, " + change + "), (" + r + ".requisitioner_id, 2, substr(" + r +
+           ".create_date, 1, 10), " + r + ".status_id, " + r + ".borg_id, " + change +
+           ") ON CONFLICT (requisitioner_id, level, period, status_id, borg_id) "
+           "DO UPDATE SET n = req_list_counts.n + excluded.n";
+  };
+  const std::string add = counted("NEW", "1");
+  const std::string remove = counted("OLD", "-1");
+  const char* const moved =
+      "OLD.requisitioner_id <> NEW.requisitioner_id OR OLD.status_id <> NEW.status_id OR "
+      "OLD.borg_id <> NEW.borg_id OR OLD.create_date <> NEW.create_date";
+  if (backend == Backend::kSqlite) {
+    sql << "CREATE TRIGGER req_list_count_insert AFTER INSERT ON requisitions BEGIN " + add +
+               "; END";
+    sql << "CREATE TRIGGER req_list_count_delete AFTER DELETE ON requisitions BEGIN " + remove +
+               "; END";
+    sql << "CREATE TRIGGER req_list_count_update AFTER UPDATE OF requisitioner_id, status_id, "
+           "borg_id, create_date ON requisitions WHEN " +
+               std::string(moved) + " BEGIN " + remove + "; " + add + "; END";
+  } else {
+    sql << "CREATE FUNCTION req_list_count() RETURNS trigger AS $$ BEGIN "
+           "IF TG_OP <> 'INSERT' THEN " + remove + "; END IF; "
+           "IF TG_OP <> 'DELETE' THEN " + add + "; END IF; "
+           "RETURN NULL; END $$ LANGUAGE plpgsql";
+    sql << "CREATE TRIGGER req_list_count_change AFTER INSERT OR DELETE ON requisitions "
+           "FOR EACH ROW EXECUTE FUNCTION req_list_count()";
+    sql << "CREATE TRIGGER req_list_count_update AFTER UPDATE OF requisitioner_id, status_id, "
+           "borg_id, create_date ON requisitions FOR EACH ROW WHEN (" +
+               std::string(moved) + ") EXECUTE FUNCTION req_list_count()";
+  }
+}
+
 // A page of one user's orders reads its rows in list order straight from an index: each
 // order carries its requisitioner, copied from the requisition by a trigger whoever
 // inserts it (a requisition's requisitioner never changes).
@@ -434,6 +489,7 @@ const std::vector<Migration>& migrations() {
       {6, "portal sessions and sign-in throttling", create_portal_tables},
       {7, "list indexes", create_list_indexes},
       {8, "portal one-time form tokens", create_portal_form_tokens},
+      {9, "kept requisition list counts", create_list_counts},
       {10, "order list indexes", create_order_list_indexes},
   };
   return all;

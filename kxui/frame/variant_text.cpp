@@ -278,10 +278,7 @@ Date date_from_text(std::string_view s) {
   return Date::from_seconds(*secs);
 }
 
-Date date_part(const Variant& v) {
-  std::string text = detail::format_date(v.to_date());
-  return date_from_text(std::string_view(text).substr(0, 10));
-}
+Date date_part(const Variant& v) { return v.to_date().date_part(); }
 
 size_t utf8_length(std::string_view s) {
   size_t n = 0;
