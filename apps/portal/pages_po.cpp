@@ -38,17 +38,6 @@ void po_list(Ctx& c) {
   c.render("Purchase orders", body);
 }
 
-// A refused file operation: someone else's document is forbidden, a missing one not found.
-template <class F>
-int attach_status(F& facade, int otherwise) {
-  using kxui::reference::Refusal;
-  auto e = facade.Error();
-  const int32_t number = e ? e->Number() : 0;
-  if (number == kxui::reference::error_number(Refusal::kNotAllowed)) return 403;
-  if (number == kxui::reference::error_number(Refusal::kNotFound)) return 404;
-  return otherwise;
-}
-
 }  // namespace
 
 // The files of an owner (1 requisition, 3 order) with download, delete and upload.
@@ -87,7 +76,7 @@ void po_page(Ctx& c, const std::string& error = "", int status = 200) {
   Variant number, borg, supplier, receive_status;
   if (!po->GetPOHeaderInfo(s, id, number, borg, supplier, receive_status)) {
     return c.render("Purchase order", "<p><a href=\"/pos\">Back to the list</a></p>", "",
-                    failure_text(*po), 404);
+                    failure_text(*po), refusal_status(*po, 404));
   }
   const std::string base = "/po/" + std::to_string(id);
   Variant name, submitter, created, cost, justification, currency;
@@ -156,7 +145,9 @@ void reconcile_page(Ctx& c, const std::string& error = "", int status = 200) {
   const std::string base = "/po/" + std::to_string(id);
   std::string body = "<p><a href=\"" + base + "\">Back to the order</a></p>";
   RecordsetPtr header = recon->GetRecPOHeader(c.session(), id);
-  if (!header) return c.render("Reconcile", body, "", failure_text(*recon), 422);
+  if (!header) {
+    return c.render("Reconcile", body, "", failure_text(*recon), refusal_status(*recon, 422));
+  }
   header->MoveFirst();
   body += "<div class=\"card\"><p>" + esc(field(*header, "PONum")) + " · " +
           esc(field(*header, "Supplier")) + "</p><p>Subtotal " + esc(field(*header, "SubTotal")) +
@@ -232,7 +223,7 @@ void Portal::mount_orders(httplib::Server& s) {
     Variant name, content;
     if (!attach->GetAttachment(c.session(), c.path_int(1), c.path_int(2), 0, c.path_int(3), name,
                                content)) {
-      return c.render("Attachment", "", "", failure_text(*attach), attach_status(*attach, 404));
+      return c.render("Attachment", "", "", failure_text(*attach), refusal_status(*attach, 404));
     }
     // Always a download: a stored file never renders as a page of this site.
     std::string file = text_of(name);
@@ -253,7 +244,7 @@ void Portal::mount_orders(httplib::Server& s) {
       return c.redirect(back, "File attached.");
     }
     c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
-             attach_status(*attach, 422));
+             refusal_status(*attach, 422));
   });
   post(s, R"(/attach/([13])/(\d+)/(\d+)/delete)", [](Ctx& c) {
     auto attach = c.hub().Attach();
@@ -263,7 +254,7 @@ void Portal::mount_orders(httplib::Server& s) {
       return c.redirect(back, "File removed.");
     }
     c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
-             attach_status(*attach, 422));
+             refusal_status(*attach, 422));
   });
 
   get(s, "/reports", [](Ctx& c) {

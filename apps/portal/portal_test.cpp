@@ -513,6 +513,36 @@ TEST_F(PortalTest, AttachmentsAndReportsAreDownloads) {
   EXPECT_THAT(missing->body, HasSubstr("class=\"error\""));
 }
 
+TEST_F(PortalTest, AnotherOrganisationsDocumentsAreRefusedWithAClearPage) {
+  const std::string req = std::to_string(query_int(
+      "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
+      "r.requisitioner_id WHERE u.login_id = 'u1_5' AND r.template_type IS NULL"));
+  const std::string po = std::to_string(query_int(
+      "SELECT MIN(o.po_id) FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id "
+      "JOIN users u ON u.sys_user_id = r.requisitioner_id WHERE u.login_id = 'u1_5'"));
+  const std::string name = query_text("SELECT req_name FROM requisitions WHERE req_id = " + req);
+  ASSERT_NE(po, "0") << "the seed gives u1_5 an order";
+  auto stranger = sign_in("u2_5");
+  auto c = client();
+  const std::string pages[] = {"/req/" + req, "/po/" + po, "/po/" + po + "/reconcile",
+                               "/receive/" + po, "/receipts/" + po};
+  for (const std::string& path : pages) {
+    SCOPED_TRACE(path);
+    auto r = c.Get(path, stranger.headers);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 403);
+    EXPECT_THAT(r->body, HasSubstr("class=\"error\""));
+    EXPECT_THAT(r->body, HasSubstr("belongs to another organisation"));
+    EXPECT_THAT(r->body, Not(HasSubstr(name + "<"))) << "nothing of the document shows";
+  }
+  auto owner = sign_in("u1_5");
+  EXPECT_EQ(c.Get("/req/" + req, owner.headers)->status, 200);
+  EXPECT_EQ(c.Get("/po/" + po, owner.headers)->status, 200);
+  auto missing = c.Get("/req/999999", stranger.headers);
+  EXPECT_EQ(missing->status, 404);
+  EXPECT_THAT(missing->body, HasSubstr("does not exist"));
+}
+
 TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
   const std::string req = std::to_string(query_int(
       "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
