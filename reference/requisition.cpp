@@ -67,6 +67,8 @@ std::vector<int> status_slots(const std::string& status_list) {
   return slots;
 }
 
+// SubmitDate of a requisition never submitted is its creation date: pages turn every date
+// of a list into text, and an empty one would fail the whole list.
 constexpr Column kListColumns[] = {
     {"ReqID", Kind::kInt},          {"ReqName", Kind::kText, 100},
     {"ReqStatusID", Kind::kInt},    {"RequisitionerName", Kind::kText, 100},

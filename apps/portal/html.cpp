@@ -61,6 +61,8 @@ const char* req_status_name(int32_t status) {
   }
 }
 
+bool req_was_submitted(int32_t status) { return status != 1 && status != -1; }
+
 std::string badge(std::string_view status) {
   std::string css;
   for (char c : status) {
@@ -83,6 +85,10 @@ std::string table(Recordset& rs, const std::vector<Column>& columns, std::string
   for (rs.MoveFirst(); !rs.IsEOF(); rs.MoveNext()) {
     out += "<tr>";
     for (const Column& c : columns) {
+      if (c.shown_if && !c.shown_if(rs)) {
+        out += c.kind == Column::kNumber ? "<td class=\"num\"></td>" : "<td></td>";
+        continue;
+      }
       const std::string value = field(rs, c.source);
       switch (c.kind) {
         case Column::kText: out += "<td>" + esc(value) + "</td>"; break;

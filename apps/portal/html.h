@@ -3,6 +3,7 @@
 // library builds from the portal's own reference data (see raw()).
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -36,6 +37,8 @@ struct Column {
   Kind kind;
   std::string link;    // for kLink: a prefix the row's `link_key` value is appended to
   std::string link_key;
+  // When set, a row's cell is left empty unless this holds for the row.
+  std::function<bool(const kxui::Recordset&)> shown_if;
   std::string heading_link;  // when set, the heading is a link (a sort control)
   std::string heading_mark;  // shown after the heading, e.g. the current sort direction
 };
@@ -46,6 +49,9 @@ std::string table(kxui::Recordset& rs, const std::vector<Column>& columns,
 
 // The display name of a requisition status.
 const char* req_status_name(int32_t status);
+// Whether a requisition in `status` was ever submitted: an open one never was, and the
+// list then carries its creation date where the submit date would be.
+bool req_was_submitted(int32_t status);
 
 // A status badge: the class follows the status name so colours stay consistent.
 std::string badge(std::string_view status);

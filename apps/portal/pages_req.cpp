@@ -56,6 +56,11 @@ void list_page(Ctx& c) {
                                  {"Submitted", "UIDisplay_SubmitDate"},
                                  {"Items", "NumberOfItems", Column::kNumber}};
   for (Column& col : columns) {
+    if (col.source == "UIDisplay_SubmitDate") {
+      col.shown_if = [](const kxui::Recordset& row) {
+        return req_was_submitted(field_int(row, "ReqStatusID"));
+      };
+    }
     for (const SortableColumn& k : kSortable) {
       if (col.source != k.source) continue;
       const bool up = sort == k.ascending, down = sort == k.descending;

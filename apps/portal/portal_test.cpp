@@ -445,6 +445,44 @@ TEST_F(PortalTest, RequisitionHeadingsAreTheSortControls) {
   EXPECT_LT(low, high) << "the heading's second click reverses the order";
 }
 
+// The list's "Submitted" cell of a requisition never submitted is empty: the list itself
+// carries the creation date there.
+TEST_F(PortalTest, OnlySubmittedRequisitionsShowASubmitDate) {
+  auto me = sign_in("u1_5");
+  auto c = client();
+  // The cells of every body row, as text.
+  auto rows = [](const std::string& html) {
+    std::vector<std::vector<std::string>> out;
+    const std::string body = html.substr(html.find("<tbody>"));
+    const std::regex row("<tr>(.*?)</tr>"), cell("<td[^>]*>(.*?)</td>");
+    for (std::sregex_iterator r(body.begin(), body.end(), row), end; r != end; ++r) {
+      const std::string cells = (*r)[1].str();
+      out.emplace_back();
+      for (std::sregex_iterator d(cells.begin(), cells.end(), cell); d != end; ++d) {
+        out.back().push_back((*d)[1].str());
+      }
+    }
+    return out;
+  };
+  struct Case {
+    const char* status;
+    bool dated;
+  } cases[] = {{"1", false}, {"2", true}};
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.status);
+    auto page = c.Get(std::string("/reqs?status=") + k.status, me.headers);
+    ASSERT_EQ(page->status, 200);
+    ASSERT_THAT(page->body, HasSubstr(">Submitted</a></th>"));
+    const auto found = rows(page->body);
+    ASSERT_FALSE(found.empty()) << "u1_5 has requisitions of this status";
+    for (const auto& cells : found) {
+      ASSERT_EQ(cells.size(), 7u);
+      EXPECT_FALSE(cells[4].empty()) << "every requisition shows when it was created";
+      EXPECT_EQ(cells[5].empty(), !k.dated) << cells[5];
+    }
+  }
+}
+
 TEST_F(PortalTest, PreferencesChangeEveryDateAndAmount) {
   auto me = sign_in("u1_4");
   auto c = client();
