@@ -43,6 +43,20 @@ struct Column {
   std::string heading_mark;  // shown after the heading, e.g. the current sort direction
 };
 
+// The heading people read for a record set column or report parameter: the portal's own
+// label for a known name, otherwise the name in words ("UIDisplay_SubmitDate" -> "Submit
+// date", "req_id" -> "Req ID"). Not escaped: pass it through esc() like any text.
+std::string readable_heading(std::string_view column);
+
+// The rows of a report file (comma-separated, fields with a comma, quote or line break in
+// quotes with their quotes doubled, "\r\n" or "\n" line ends); the first is its header.
+std::vector<std::vector<std::string>> csv_rows(std::string_view text);
+
+// A table of rows whose first is the header, its headings made readable; `empty` when
+// there is no row below the header.
+std::string text_table(const std::vector<std::vector<std::string>>& rows,
+                       std::string_view empty = "Nothing to show.");
+
 // A table of every row of `rs` (from its first), or `empty` when it has none.
 std::string table(kxui::Recordset& rs, const std::vector<Column>& columns,
                   std::string_view empty = "Nothing to show.");

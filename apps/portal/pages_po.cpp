@@ -271,11 +271,14 @@ void Portal::mount_orders(httplib::Server& s) {
       if (params && params->RecordCount() > 0) {
         for (params->MoveFirst(); !params->IsEOF(); params->MoveNext()) {
           const std::string p = field(*params, "ParamName");
-          body += "<div class=\"row\"><label>" + esc(p) + "</label><input name=\"p_" + esc(p) +
-                  "\" value=\"" + esc(field(*params, "DefaultValue")) + "\"></div>";
+          const std::string box = "r" + id + "-" + p;
+          body += "<div class=\"row\"><label for=\"" + esc(box) + "\">" +
+                  esc(readable_heading(p)) + "</label><input id=\"" + esc(box) + "\" name=\"p_" +
+                  esc(p) + "\" value=\"" + esc(field(*params, "DefaultValue")) + "\"></div>";
         }
       }
-      body += "<button>Download CSV</button></form>";
+      body += "<button name=\"show\" value=\"1\">Show</button> "
+              "<button class=\"secondary\">Download CSV</button></form>";
     }
     c.render("Reports", body + pager(*list, "/reports?"));
   });
@@ -293,6 +296,18 @@ void Portal::mount_orders(httplib::Server& s) {
     if (!report->GenerateReport(c.session(), id, args, "CSV", name, file)) {
       return c.render("Report", "<p><a href=\"/reports\">Back to the reports</a></p>", "",
                       failure_text(*report), 422);
+    }
+    if (c.param("show") == "1") {
+      // The same file as a page: the link below downloads what the table shows.
+      std::string download = "/report/" + std::to_string(id) + "?";
+      for (const auto& [key, value] : c.req.params) {
+        if (key != "show") download += url_encode(key) + "=" + url_encode(value) + "&";
+      }
+      download.pop_back();
+      return c.render("Report",
+                      "<p><a href=\"/reports\">Back to the reports</a> · <a href=\"" +
+                          esc(download) + "\">Download CSV</a></p>" +
+                          text_table(csv_rows(text_of(file)), "The report has no rows."));
     }
     std::string file_name = text_of(name);
     for (char& ch : file_name) {

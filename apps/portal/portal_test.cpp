@@ -581,6 +581,64 @@ TEST_F(PortalTest, AnotherOrganisationsDocumentsAreRefusedWithAClearPage) {
   EXPECT_THAT(missing->body, HasSubstr("does not exist"));
 }
 
+TEST(PortalHtml, HeadingsReadAsWords) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"ReqID", "Requisition"},                  // the portal's own label
+      {"UIDisplay_SubmitDate", "Submitted"},     // a display column of a known one
+      {"UIDisplay_DateLogged", "Date logged"},   // in words
+      {"req_id", "Req ID"},                      // a database name
+      {"TotalAmtDue", "Total amt due"},
+      {"HTMLFileName", "HTML file name"},        // an abbreviation keeps its capitals
+      {"PO_Number2", "PO number2"},
+      {"x", "X"},
+      {"__", "__"},                              // nothing but separators stays as it is
+  };
+  for (const auto& [column, heading] : cases) {
+    SCOPED_TRACE(column);
+    EXPECT_EQ(readable_heading(column), heading);
+  }
+}
+
+TEST(PortalHtml, ReportFilesReadBackAsRows) {
+  using Rows = std::vector<std::vector<std::string>>;
+  const std::pair<const char*, Rows> cases[] = {
+      {"ReqID,ReqName\r\n1,Pens\r\n", {{"ReqID", "ReqName"}, {"1", "Pens"}}},
+      {"A,B\r\n\"x, y\",\"say \"\"hi\"\"\"\r\n", {{"A", "B"}, {"x, y", "say \"hi\""}}},
+      {"A\r\n\"two\r\nlines\"\r\n", {{"A"}, {"two\r\nlines"}}},
+      {"A,B,C\n,,\n", {{"A", "B", "C"}, {"", "", ""}}},
+      {"A,B\r\n1,2", {{"A", "B"}, {"1", "2"}}},  // no line end after the last row
+      {"", {}},
+  };
+  for (const auto& [text, rows] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(csv_rows(text), rows);
+  }
+  const std::string table =
+      text_table({{"ReqName", "UIDisplay_x<y>"}, {"<b>bold</b>", "1"}, {"short"}});
+  EXPECT_THAT(table, HasSubstr("<th>Requisition name</th><th>X&lt;y&gt;</th>"));
+  EXPECT_THAT(table, HasSubstr("<td>&lt;b&gt;bold&lt;/b&gt;</td>"));
+  EXPECT_THAT(table, HasSubstr("<tr><td>short</td><td></td></tr>")) << "a short row is padded";
+  EXPECT_THAT(text_table({{"A"}}, "None."), HasSubstr("None."));
+}
+
+TEST_F(PortalTest, ReportsShowReadableHeadings) {
+  auto me = sign_in("u1_5");
+  auto c = client();
+  auto list = c.Get("/reports", me.headers);
+  ASSERT_EQ(list->status, 200);
+  EXPECT_THAT(list->body, HasSubstr(">From</label>"));
+  EXPECT_THAT(list->body, Not(HasSubstr(">FromDate<")));
+  auto shown = c.Get("/report/1?p_StatusID=&show=1", me.headers);
+  ASSERT_EQ(shown->status, 200);
+  EXPECT_THAT(shown->get_header_value("Content-Type"), HasSubstr("text/html"));
+  EXPECT_THAT(shown->body, HasSubstr("<th>Requisition</th><th>Requisition name</th><th>Status</th>"));
+  EXPECT_THAT(shown->body, Not(HasSubstr("<th>ReqID")));
+  EXPECT_THAT(shown->body, HasSubstr("href=\"/report/1?p_StatusID=\">Download CSV</a>"));
+  auto csv = c.Get("/report/1?p_StatusID=", me.headers);
+  EXPECT_THAT(csv->get_header_value("Content-Type"), HasSubstr("text/csv"));
+  EXPECT_EQ(csv->body.substr(0, 6), "ReqID,") << "the file keeps its column names";
+}
+
 TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
   const std::string req = std::to_string(query_int(
       "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
