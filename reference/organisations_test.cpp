@@ -252,6 +252,31 @@ TEST(Organisations, DocumentsThatDoNotExistAreStillNotFound) {
   EXPECT_EQ(order->GetError()->Number(), error_number(Refusal::kNotFound));
 }
 
+// Lists name other users' documents only within the caller's organisation.
+TEST(Organisations, OrderListsByUserStayInTheCallersOrganisation) {
+  Ordered o;
+  Fixture& f = *o.f;
+  auto order = make<business::PurchaseOrder>(f, progid::PurchaseOrder);
+  auto rcv = make<business::POReceipt>(f, progid::POReceipt);
+  Variant cd;
+  const Variant alice(std::string("alice")), blank(std::string(""));
+  struct Case {
+    const char* who;
+    int32_t user;
+    int32_t orders;
+  } cases[] = {{"a colleague", f.ids.bob, 1}, {"another organisation", f.ids.frank, 0}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.who);
+    RecordsetPtr list = order->GetPOList(f.session(c.user), alice, blank, "", blank, blank, cd);
+    ASSERT_TRUE(list) << order->GetError()->Description();
+    EXPECT_EQ(list->RecordCount(), c.orders);
+    Array args = Array::of({blank, blank, blank, alice, blank});
+    RecordsetPtr receivable = rcv->GetReceiveList(f.session(c.user), args);
+    ASSERT_TRUE(receivable) << rcv->GetError()->Description();
+    EXPECT_EQ(receivable->RecordCount(), c.orders);
+  }
+}
+
 // Approvers, reviewers and their stand-ins are the requisition's colleagues: they open it,
 // and nobody from outside can be made one.
 TEST(Organisations, ColleaguesOnTheRouteKeepWorkingAndOutsidersCannotJoinIt) {

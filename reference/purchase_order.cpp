@@ -192,14 +192,17 @@ RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string&
   if (!status_text.empty()) status_text += ",";
   const std::string query =
       std::string(kSummary) +
-      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "WHERE r.borg_id = :caller_borg AND ((:login = '' AND r.requisitioner_id = :self) OR "
+      "LOWER(u.login_id) = :login2) "
       "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR LOWER('PO-' || "
       "CAST(o.po_id AS VARCHAR(20))) = :num2) AND (:st = '' OR :st2 LIKE ('%,' || "
       "CAST(o.status_id AS VARCHAR(11)) || ',%')) ORDER BY " +
       order_clause(sort_by);
-  const int self = s.SysUserID();
+  const int self = s.SysUserID(), caller_borg = s.BorgID();
+  // Another user's orders are listed by name only within the caller's organisation.
   soci::rowset<soci::row> rows =
-      (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
+      (sql.prepare << query, soci::use(caller_borg), soci::use(login), soci::use(self),
+       soci::use(login),
        soci::use(borg), soci::use(borg), soci::use(number), soci::use(number),
        soci::use(status_text), soci::use(status_text));
   return to_recordset(rows, kSummaryColumns);
