@@ -552,14 +552,18 @@ TEST_F(PortalTest, AttachmentsAndReportsAreDownloads) {
 }
 
 TEST_F(PortalTest, AnotherOrganisationsDocumentsAreRefusedWithAClearPage) {
-  const std::string req = std::to_string(query_int(
-      "SELECT MIN(r.req_id) FROM requisitions r JOIN users u ON u.sys_user_id = "
-      "r.requisitioner_id WHERE u.login_id = 'u1_5' AND r.template_type IS NULL"));
+  // An order of the first organisation and the requisition it came from.
   const std::string po = std::to_string(query_int(
-      "SELECT MIN(o.po_id) FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id "
-      "JOIN users u ON u.sys_user_id = r.requisitioner_id WHERE u.login_id = 'u1_5'"));
+      "SELECT COALESCE(MIN(o.po_id), 0) FROM purchase_orders o JOIN requisitions r ON "
+      "r.req_id = o.req_id WHERE r.borg_id = (SELECT borg_id FROM users WHERE login_id = "
+      "'u1_1')"));
+  ASSERT_NE(po, "0") << "the seed orders for the first organisation";
+  const std::string req =
+      std::to_string(query_int("SELECT req_id FROM purchase_orders WHERE po_id = " + po));
   const std::string name = query_text("SELECT req_name FROM requisitions WHERE req_id = " + req);
-  ASSERT_NE(po, "0") << "the seed gives u1_5 an order";
+  const std::string owner_login = query_text(
+      "SELECT u.login_id FROM requisitions r JOIN users u ON u.sys_user_id = "
+      "r.requisitioner_id WHERE r.req_id = " + req);
   auto stranger = sign_in("u2_5");
   auto c = client();
   const std::string pages[] = {"/req/" + req, "/po/" + po, "/po/" + po + "/reconcile",
@@ -573,7 +577,7 @@ TEST_F(PortalTest, AnotherOrganisationsDocumentsAreRefusedWithAClearPage) {
     EXPECT_THAT(r->body, HasSubstr("belongs to another organisation"));
     EXPECT_THAT(r->body, Not(HasSubstr(name + "<"))) << "nothing of the document shows";
   }
-  auto owner = sign_in("u1_5");
+  auto owner = sign_in(owner_login);
   EXPECT_EQ(c.Get("/req/" + req, owner.headers)->status, 200);
   EXPECT_EQ(c.Get("/po/" + po, owner.headers)->status, 200);
   auto missing = c.Get("/req/999999", stranger.headers);
