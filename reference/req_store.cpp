@@ -42,16 +42,12 @@ ReqRow find_req(soci::session& sql, int32_t req_id) {
   return r;
 }
 
-void require_own_borg(const ReqRow& req, const Session& caller) {
-  if (req.borg_id != caller.BorgID()) {
-    refuse(Refusal::kNotAllowed, "Requisition " + std::to_string(req.req_id) +
-                                     " belongs to another organisation.");
-  }
-}
-
 ReqRow load_req(soci::session& sql, int32_t req_id, const Session& caller) {
   ReqRow r = find_req(sql, req_id);
-  require_own_borg(r, caller);
+  if (r.borg_id != caller.BorgID()) {
+    refuse(Refusal::kNotAllowed, "Requisition " + std::to_string(req_id) +
+                                     " belongs to another organisation.");
+  }
   return r;
 }
 

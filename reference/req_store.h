@@ -40,8 +40,6 @@ ReqRow load_req(soci::session& sql, int32_t req_id, const Session& caller);
 // The same without the organisation check, for steps inside a change whose requisition
 // was already loaded for its caller.
 ReqRow find_req(soci::session& sql, int32_t req_id);
-// Refuses unless `req` belongs to the caller's organisation.
-void require_own_borg(const ReqRow& req, const Session& caller);
 // Refuses unless the status allows editing; `action` names what was refused.
 void require_editable(const ReqRow& req, const std::string& action);
 // Refuses unless the session user is the requisitioner.
