@@ -105,7 +105,7 @@ bool RefPurchaseOrder::LoadPO(const SessionPtr& session, int32_t po_id, bool loc
     const Session& s = session_of(session);
     auto h = std::make_shared<RefPOHeader>();
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       std::string created;
       long long total = 0;
       soci::indicator sup_ind = soci::i_ok;
@@ -137,9 +137,9 @@ bool RefPurchaseOrder::LoadPO(const SessionPtr& session, int32_t po_id, bool loc
 RecordsetPtr RefPurchaseOrder::GetPOItems(const SessionPtr& session, int32_t po_id,
                                           int32_t line_number, Variant&) {
   return answer("GetPOItems", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT l.line_num, l.req_line_num, l.part_id, l.description, l.qty, "
                           "l.unit_price, CAST(ROUND(l.qty * l.unit_price * b.tax_rate) AS BIGINT), "
@@ -192,14 +192,17 @@ RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string&
   if (!status_text.empty()) status_text += ",";
   const std::string query =
       std::string(kSummary) +
-      "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "WHERE r.borg_id = :caller_borg AND ((:login = '' AND r.requisitioner_id = :self) OR "
+      "LOWER(u.login_id) = :login2) "
       "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR LOWER('PO-' || "
       "CAST(o.po_id AS VARCHAR(20))) = :num2) AND (:st = '' OR :st2 LIKE ('%,' || "
       "CAST(o.status_id AS VARCHAR(11)) || ',%')) ORDER BY " +
       order_clause(sort_by);
-  const int self = s.SysUserID();
+  const int self = s.SysUserID(), caller_borg = s.BorgID();
+  // Another user's orders are listed by name only within the caller's organisation.
   soci::rowset<soci::row> rows =
-      (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
+      (sql.prepare << query, soci::use(caller_borg), soci::use(login), soci::use(self),
+       soci::use(login),
        soci::use(borg), soci::use(borg), soci::use(number), soci::use(number),
        soci::use(status_text), soci::use(status_text));
   return to_recordset(rows, kSummaryColumns);
@@ -207,9 +210,9 @@ RecordsetPtr order_list(soci::session& sql, const Session& s, const std::string&
 
 RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t req_id, Variant&) {
   return answer("GetPOsByReq", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << std::string(kSummary) + "WHERE o.req_id = :r ORDER BY o.po_id",
            soci::use(req_id));
@@ -221,9 +224,9 @@ RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t re
 RecordsetPtr RefPurchaseOrder::GetPOLog(const SessionPtr& session, int32_t po_id,
                                         const std::string& filter, Variant&) {
   return answer("GetPOLog", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT g.date_logged, g.log_type, g.description, g.code, u.full_name "
                           "FROM po_log g JOIN users u ON u.sys_user_id = g.sys_user_id "

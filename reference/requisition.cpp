@@ -67,6 +67,8 @@ std::vector<int> status_slots(const std::string& status_list) {
   return slots;
 }
 
+// SubmitDate of a requisition never submitted is its creation date: pages turn every date
+// of a list into text, and an empty one would fail the whole list.
 constexpr Column kListColumns[] = {
     {"ReqID", Kind::kInt},          {"ReqName", Kind::kText, 100},
     {"ReqStatusID", Kind::kInt},    {"RequisitionerName", Kind::kText, 100},
@@ -81,6 +83,7 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
     const Session& s = session_of(session);
     auto header = std::make_shared<RefHeader>();
     db().write([&](soci::session& sql) {
+      load_req(sql, req_id, s);
       std::string create_date;
       sql << "SELECT r.req_id, r.req_name, r.status_id, r.justification, b.name, u.full_name, "
              "r.create_date FROM requisitions r JOIN borgs b ON b.borg_id = r.borg_id "
@@ -89,7 +92,6 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
           soci::into(header->status), soci::into(header->justification),
           soci::into(header->borg_name), soci::into(header->requisitioner_name),
           soci::into(create_date);
-      if (!sql.got_data()) load_req(sql, req_id);  // refuses with "does not exist"
       header->create_date = parse_date_text(create_date);
       if (lock) take_lock(sql, db(), kReqLocks, req_id, s);
     });
@@ -441,7 +443,7 @@ bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
     if (name.empty()) refuse(Refusal::kInvalidArgument, "A requisition needs a name.");
     require_length(name, 100, "A requisition name");
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "rename");
       require_editable(req, "renamed");
       require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
@@ -456,9 +458,9 @@ bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
 bool RefRequisition::GetReqStatus(const SessionPtr& session, int32_t req_id, int32_t& status_id,
                                   int32_t& number_of_items, Variant&) {
   return answer("GetReqStatus", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     db().read([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       int count = 0;
       sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :id", soci::use(req_id),
           soci::into(count);
@@ -473,9 +475,11 @@ bool RefRequisition::GetReqTotals(const SessionPtr& session, int32_t req_id,
                                   const std::string& currency_code, Currency& sub_total,
                                   Currency& estimated_tax, Currency& total, Variant&) {
   return answer("GetReqTotals", false, [&] {
-    session_of(session);
-    const Totals t =
-        db().read([&](soci::session& sql) { return req_totals(sql, db(), req_id, currency_code); });
+    const Session& s = session_of(session);
+    const Totals t = db().read([&](soci::session& sql) {
+      load_req(sql, req_id, s);
+      return req_totals(sql, db(), req_id, currency_code);
+    });
     sub_total = t.sub_total;
     estimated_tax = t.tax;
     total = t.total;
@@ -490,7 +494,7 @@ bool RefRequisition::Save(const SessionPtr& session, Variant&) {
     // Approvers see the justification in a column of 256 characters.
     require_length(header_->justification, 256, "A justification");
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, header_->req_id);
+      const ReqRow req = load_req(sql, header_->req_id, s);
       require_editable(req, "changed");
       if (!holds_lock(sql, db(), kReqLocks, req.req_id, s)) {
         refuse(Refusal::kLockNotHeld, "Requisition " + std::to_string(req.req_id) +
