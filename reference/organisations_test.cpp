@@ -253,18 +253,31 @@ TEST(Organisations, DocumentsThatDoNotExistAreStillNotFound) {
 }
 
 // Lists name other users' documents only within the caller's organisation.
-TEST(Organisations, OrderListsByUserStayInTheCallersOrganisation) {
+// Naming another user lists only what of theirs is in the caller's organisation.
+TEST(Organisations, ListsByUserStayInTheCallersOrganisation) {
   Ordered o;
   Fixture& f = *o.f;
   auto order = make<business::PurchaseOrder>(f, progid::PurchaseOrder);
   auto rcv = make<business::POReceipt>(f, progid::POReceipt);
+  auto req = make<business::Requisition>(f, progid::Requisition);
+  // One requisition of alice's in Berg besides those in Acme.
+  int32_t in_acme = 0;
+  f.db->write([&](soci::session& sql) {
+    sql << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, borg_id, "
+           "currency_code, create_date) VALUES ('In Berg', 1, :u, :b, 'EUR', "
+           "'2026-01-02 03:04:05')",
+        soci::use(f.ids.alice), soci::use(f.ids.berg);
+    sql << "SELECT COUNT(*) FROM requisitions WHERE requisitioner_id = :u AND borg_id = :b",
+        soci::use(f.ids.alice), soci::use(f.ids.acme), soci::into(in_acme);
+  });
+  ASSERT_GT(in_acme, 0);
   Variant cd;
   const Variant alice(std::string("alice")), blank(std::string(""));
   struct Case {
     const char* who;
     int32_t user;
-    int32_t orders;
-  } cases[] = {{"a colleague", f.ids.bob, 1}, {"another organisation", f.ids.frank, 0}};
+    int32_t orders, requisitions;
+  } cases[] = {{"a colleague", f.ids.bob, 1, in_acme}, {"another organisation", f.ids.frank, 0, 1}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.who);
     RecordsetPtr list = order->GetPOList(f.session(c.user), alice, blank, "", blank, blank, cd);
@@ -274,7 +287,20 @@ TEST(Organisations, OrderListsByUserStayInTheCallersOrganisation) {
     RecordsetPtr receivable = rcv->GetReceiveList(f.session(c.user), args);
     ASSERT_TRUE(receivable) << rcv->GetError()->Description();
     EXPECT_EQ(receivable->RecordCount(), c.orders);
+    for (const char* sort : {"", "ReqID"}) {  // counted from the kept counts, then not
+      RecordsetPtr reqs = req->GetRequisitionList(f.session(c.user), "alice", "", sort, "", cd);
+      ASSERT_TRUE(reqs) << req->GetError()->Description();
+      EXPECT_EQ(reqs->RecordCount(), c.requisitions) << sort;
+      for (int32_t i = 1; i <= reqs->RecordCount(); ++i) {
+        reqs->SetAbsolutePosition(i);
+        EXPECT_EQ(reqs->value(4).to_string(), c.user == f.ids.frank ? "Berg" : "Acme");
+      }
+    }
   }
+  // Her own list keeps both.
+  RecordsetPtr own = req->GetRequisitionList(f.session(f.ids.alice), "", "", "", "", cd);
+  ASSERT_TRUE(own);
+  EXPECT_EQ(own->RecordCount(), in_acme + 1);
 }
 
 // Approvers, reviewers and their stand-ins are the requisition's colleagues: they open it,

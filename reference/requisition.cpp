@@ -119,11 +119,18 @@ struct ListRow {
   }
 };
 
+// What a list is filtered on, held by value: a list read on demand outlives the call.
+// Another user's requisitions are listed only where they belong to the caller's
+// organisation (`caller_borg`); the caller's own, wherever they are.
+struct ListFilter {
+  std::string login, borg;
+  int self = 0, all = 0, caller_borg = 0;
+  std::array<int, kStatusSlots> slots{};
+};
+
 // The list statement, prepared once per sort order, with the variables bound to it.
 struct ListStatement : Database::PreparedState, ListRow {
-  std::string login, borg;
-  int self = 0, all = 0;
-  std::array<int, kStatusSlots> slots{};
+  ListFilter f;
 };
 
 void prepare_list(soci::session& sql, ListStatement& s, const std::string& order) {
@@ -134,30 +141,27 @@ void prepare_list(soci::session& sql, ListStatement& s, const std::string& order
       "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
       "JOIN borgs b ON b.borg_id = r.borg_id "
       "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "AND (r.requisitioner_id = :self2 OR r.borg_id = :caller_borg) "
       "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
   for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
   query += ")) ORDER BY " + order;
   s.statement = std::make_unique<soci::statement>(sql);
   soci::statement& st = *s.statement;
-  st.exchange(soci::use(s.login));
-  st.exchange(soci::use(s.self));
-  st.exchange(soci::use(s.login));
-  st.exchange(soci::use(s.borg));
-  st.exchange(soci::use(s.borg));
-  st.exchange(soci::use(s.all));
-  for (int& slot : s.slots) st.exchange(soci::use(slot));
+  ListFilter& f = s.f;
+  st.exchange(soci::use(f.login));
+  st.exchange(soci::use(f.self));
+  st.exchange(soci::use(f.login));
+  st.exchange(soci::use(f.self));
+  st.exchange(soci::use(f.caller_borg));
+  st.exchange(soci::use(f.borg));
+  st.exchange(soci::use(f.borg));
+  st.exchange(soci::use(f.all));
+  for (int& slot : f.slots) st.exchange(soci::use(slot));
   s.bind_row(st);
   st.alloc();
   st.prepare(query);
   st.define_and_bind();
 }
-
-// What a list is filtered on, held by value: a list read on demand outlives the call.
-struct ListFilter {
-  std::string login, borg;
-  int self = 0, all = 0;
-  std::array<int, kStatusSlots> slots{};
-};
 
 // The one user whose requisitions the filter names, or nothing when it names none or
 // several (the list is then read whole, as the general statement reads it).
@@ -183,9 +187,11 @@ enum class Bound { kNone, kFrom, kUpTo };
 struct Shape {
   bool borg = false;
   bool statuses = false;
+  bool others = false;  // another user's list: only what is in the caller's organisation
   Bound bound = Bound::kNone;
   std::string key() const {
     return std::string(borg ? " borg" : "") + (statuses ? " status" : "") +
+           (others ? " others" : "") +
            (bound == Bound::kFrom ? " from" : bound == Bound::kUpTo ? " upto" : "");
   }
 };
@@ -197,6 +203,7 @@ std::string one_user_filter(const Shape& shape, const std::string& table) {
   if (shape.borg) {
     where += " AND " + table + ".borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
   }
+  if (shape.others) where += " AND " + table + ".borg_id = :caller_borg";
   if (shape.statuses) {
     where += " AND " + table + ".status_id IN (";
     for (int i = 0; i < kStatusSlots; ++i) where += (i ? ", :s" : ":s") + std::to_string(i);
@@ -212,6 +219,7 @@ struct OneUserStatement : Database::PreparedState {
     soci::statement& st = *statement;
     st.exchange(soci::use(uid));
     if (shape.borg) st.exchange(soci::use(filter.borg));
+    if (shape.others) st.exchange(soci::use(filter.caller_borg));
     if (shape.statuses) {
       for (int& slot : filter.slots) st.exchange(soci::use(slot));
     }
@@ -337,7 +345,7 @@ std::optional<Position> find_position(const DatabasePtr& db, const ListFilter& f
 
 RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int uid,
                            const std::string& order) {
-  const Shape shape{!filter.borg.empty(), filter.all == 0, Bound::kNone};
+  const Shape shape{!filter.borg.empty(), filter.all == 0, uid != filter.self, Bound::kNone};
   const bool by_created = order.rfind("r.create_date", 0) == 0;
   const bool descending = order.find(" DESC") != std::string::npos;
   auto count = [db, filter, uid, shape](soci::session&) -> int64_t {
@@ -401,7 +409,7 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
     std::vector<int> slots = status_slots(status_list);
     const int all_statuses = slots.empty() ? 1 : 0;
     slots.resize(kStatusSlots, kUnusedStatus);
-    ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, {}};
+    ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, s.BorgID(), {}};
     std::copy(slots.begin(), slots.end(), filter.slots.begin());
     const std::optional<int> one =
         db().read([&](soci::session& sql) { return single_requisitioner(sql, filter); });
@@ -410,11 +418,7 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
       ListStatement& q = db().prepared<ListStatement>(
           "requisition list " + order,
           [&](soci::session& sql, ListStatement& st) { prepare_list(sql, st, order); });
-      q.login = lower(user_name);
-      q.borg = borg_name;
-      q.self = s.SysUserID();
-      q.all = all_statuses;
-      std::copy(slots.begin(), slots.end(), q.slots.begin());
+      q.f = filter;
       RecordsetPtr rs = make_recordset(kListColumns);
       q.statement->execute(false);
       while (q.statement->fetch()) {
