@@ -156,11 +156,7 @@ std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions
       }
     } else {
       db->sql_.open(soci::postgresql, rest);
-      // Quiet notices ("table exists, skipping") stay out of the client's stderr.
-      db->sql_ << "SET client_min_messages = warning";
-      if (db->options_.read_only) {
-        db->sql_ << "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
-      }
+      db->configure_session();
     }
   } catch (...) {
     raise_database_error("opening the database");
@@ -175,6 +171,50 @@ Date Database::now() const {
                         std::chrono::system_clock::now().time_since_epoch())
                         .count();
   return Date::from_seconds(secs);
+}
+
+void Database::configure_session() {
+  if (backend_ != Backend::kPostgres) return;
+  // Quiet notices ("table exists, skipping") stay out of the client's stderr.
+  sql_ << "SET client_min_messages = warning";
+  if (options_.read_only) sql_ << "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
+}
+
+bool Database::lost_connection() noexcept {
+  if (backend_ != Backend::kPostgres) return false;
+  // Only a database error can mean the connection broke; a business refusal cannot.
+  bool database_error = false;
+  try {
+    throw;
+  } catch (const soci::soci_error&) {
+    database_error = true;
+  } catch (const Failure& f) {
+    // A statement's error turned into a business error inside the call.
+    database_error = f.number() == error_number(Refusal::kDatabaseError);
+  } catch (...) {
+  }
+  // libpq marks the connection bad once it sees it closed; a live one answers a ping.
+  if (database_error && !lost_ && !sql_.is_connected()) lost_ = true;
+  return database_error && lost_;
+}
+
+void Database::reopen_if_lost() {
+  if (!lost_) return;
+  // Statements go before the connection they were prepared on; the new one prepares its own.
+  cache_->states.clear();
+  try {
+    sql_.reconnect();
+    configure_session();
+  } catch (...) {
+    raise_database_error("connecting to the database again");
+  }
+  lost_ = false;
+}
+
+void Database::raise_lost_commit() {
+  refuse(Refusal::kDatabaseError,
+         "The connection to the database was lost while saving a change; it may or may not "
+         "have been saved, so check before doing it again");
 }
 
 void Database::begin() {

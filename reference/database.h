@@ -70,9 +70,13 @@ class Database {
   // returns, rolled back when it throws. Database errors become Failures. On PostgreSQL
   // a change that collides with a concurrent one is rolled back and `fn` runs again, so
   // `fn` must leave nothing outside the database changed except what it assigns.
+  // When the PostgreSQL connection turns out broken (the server restarted, the connection
+  // was cut), the outermost call reconnects and runs the change once more if it failed
+  // before COMMIT was sent; a connection lost during COMMIT is reported, never repeated.
   template <class Fn>
   auto write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
-  // Runs `fn(session)` alone on the connection, outside a transaction of its own.
+  // Runs `fn(session)` alone on the connection, outside a transaction of its own; once
+  // more on a new connection when the PostgreSQL one turns out broken.
   template <class Fn>
   auto read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
 
@@ -83,7 +87,8 @@ class Database {
   };
   // The state S (a PreparedState) kept under `key`: `prepare` builds its statement,
   // bound to S's own members, the first time; later calls reuse it. Call inside read()
-  // or write(), which keep the connection to one caller at a time.
+  // or write(), which keep the connection to one caller at a time. A reconnect drops
+  // every kept state, so hold none across calls.
   template <class S>
   S& prepared(const std::string& key, const std::function<void(soci::session&, S&)>& prepare) {
     std::unique_ptr<PreparedState>& slot = prepared_slot(key);
@@ -104,6 +109,21 @@ class Database {
   void rollback() noexcept;
   // After a failed attempt (the exception in flight): whether to run the change again.
   bool retry_conflict(int attempt) noexcept;
+  // After a failed call (the exception in flight): whether the PostgreSQL connection broke
+  // under it. If so, its kept statements are dropped and the next call reconnects.
+  bool lost_connection() noexcept;
+  // Reconnects a connection found broken. Throws Failure when the server cannot be reached.
+  void reopen_if_lost();
+  // Per connection: quiet notices, and the read-only mode when asked for.
+  void configure_session();
+  [[noreturn]] static void raise_lost_commit();
+  struct CallDepth {
+    explicit CallDepth(int& n) : n_(n) { ++n_; }
+    ~CallDepth() { --n_; }
+    CallDepth(const CallDepth&) = delete;
+    CallDepth& operator=(const CallDepth&) = delete;
+    int& n_;
+  };
   void migrate();
   void unlock_migrations() noexcept;
   std::vector<int32_t> applied_versions();
@@ -113,6 +133,8 @@ class Database {
   DatabaseOptions options_;
   std::recursive_mutex mutex_;
   int depth_ = 0;  // nested write() calls join the outer transaction
+  int calls_ = 0;  // read() and write() calls in progress on this thread, nested
+  bool lost_ = false;  // the connection broke; the next outermost call reconnects
   soci::session sql_;
   struct Cache;
   std::unique_ptr<Cache> cache_;
@@ -129,22 +151,36 @@ auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
   // between connections, which is the database's job.
   std::lock_guard<std::recursive_mutex> guard(mutex_);
   if (depth_ > 0) return fn(sql_);
+  // Only the outermost call may open the connection again: an inner one would pull the
+  // connection, its transaction and its statements from under its caller.
+  const bool outermost = calls_ == 0;
+  CallDepth call(calls_);
+  bool reconnected = !outermost;
   for (int attempt = 1;; ++attempt) {
     try {
+      if (outermost) reopen_if_lost();
       begin();
     } catch (...) {
+      // Nothing was sent that could have changed anything: the change may run again.
+      if (lost_connection() && !reconnected) {
+        reconnected = true;
+        continue;
+      }
       raise_database_error("starting a change");
     }
     ++depth_;
+    bool committing = false;
     try {
       if constexpr (std::is_void_v<decltype(fn(sql_))>) {
         fn(sql_);
         --depth_;
+        committing = true;
         commit();
         return;
       } else {
         auto result = fn(sql_);
         --depth_;
+        committing = true;
         commit();
         return result;
       }
@@ -152,6 +188,16 @@ auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
       depth_ = 0;
       rollback();
       if (retry_conflict(attempt)) continue;
+      if (lost_connection()) {
+        // Lost before COMMIT was sent, the server rolled the change back: run it once more.
+        // Lost during COMMIT, nobody knows whether it was saved: running it again could
+        // do it twice, so the caller hears that the outcome is unknown.
+        if (committing) raise_lost_commit();
+        if (!reconnected) {
+          reconnected = true;
+          continue;
+        }
+      }
       raise_database_error("saving a change");
     }
   }
@@ -160,12 +206,17 @@ auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
 template <class Fn>
 auto Database::read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
   std::lock_guard<std::recursive_mutex> guard(mutex_);
-  try {
-    return fn(sql_);
-  } catch (const Failure&) {
-    throw;
-  } catch (...) {
-    raise_database_error("reading");
+  const bool outermost = calls_ == 0;
+  CallDepth call(calls_);
+  for (bool again = outermost;; again = false) {
+    try {
+      if (outermost) reopen_if_lost();
+      return fn(sql_);
+    } catch (...) {
+      // A read changes nothing: after a lost connection it runs once more on a new one.
+      if (lost_connection() && again) continue;
+      raise_database_error("reading");
+    }
   }
 }
 
