@@ -1,8 +1,17 @@
-// A PostgreSQL connection cut under the tier (a server restart, a dropped connection): the
-// next call reconnects, a change cut before COMMIT runs once more and is saved once, and a
-// change whose COMMIT was cut is reported instead of being repeated.
+// The tier's connections: calls from several threads on a pool of PostgreSQL connections
+// (one SQLite connection), calls inside calls on their caller's connection; and a
+// connection cut under the tier (a server restart, a dropped connection): the next call
+// reconnects, a change cut before COMMIT runs once more and is saved once, and a change
+// whose COMMIT was cut is reported instead of being repeated.
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -209,6 +218,108 @@ TEST_F(Reconnect, ANewConnectionKeepsTheSessionSettings) {
             }),
             error_number(Refusal::kNotFound));
   EXPECT_EQ(attempts, 1);
+}
+
+int backend_pid(soci::session& sql) {
+  if (!testing::on_postgres()) return 0;
+  int pid = 0;
+  sql << "SELECT pg_backend_pid()", soci::into(pid);
+  return pid;
+}
+
+TEST(Connections, ThreadsShareAPoolOfConnections) {
+  testing::TempDir tmp;
+  testing::ScratchDatabase scratch(tmp.path, "kx.db");
+  const bool sqlite = !testing::on_postgres();
+  struct Case {
+    int pool, threads;
+    size_t together;  // calls running at the same time, at most and at last
+  } cases[] = {
+      {3, 3, sqlite ? 1u : 3u},
+      {2, 5, sqlite ? 1u : 2u},
+      {1, 3, 1u},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE("pool of " + std::to_string(c.pool) + ", " + std::to_string(c.threads) +
+                 " threads");
+    DatabaseOptions options;
+    options.connections = c.pool;
+    auto db = Database::Open(scratch.url(), options);
+    std::mutex m;
+    std::condition_variable changed;
+    size_t inside = 0, most = 0;
+    std::set<int> pids;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < c.threads; ++t) {
+      threads.emplace_back([&] {
+        db->read([&](soci::session& sql) {
+          const int pid = backend_pid(sql);
+          std::unique_lock<std::mutex> lock(m);
+          pids.insert(pid);
+          most = std::max(most, ++inside);
+          changed.notify_all();
+          // Each call stays until as many run as the pool allows (or gives up after a while).
+          changed.wait_for(lock, std::chrono::seconds(5), [&] { return most >= c.together; });
+          --inside;
+        });
+      });
+    }
+    for (std::thread& t : threads) t.join();
+    EXPECT_EQ(most, c.together);
+    EXPECT_EQ(db->connections_open(), c.together);
+    if (!sqlite) {
+      EXPECT_EQ(pids.size(), c.together) << "each connection its own server process";
+    }
+  }
+}
+
+TEST(Connections, CallsInsideACallUseItsConnection) {
+  testing::TempDir tmp;
+  testing::ScratchDatabase scratch(tmp.path, "kx.db");
+  DatabaseOptions options;
+  options.connections = 4;
+  auto db = Database::Open(scratch.url(), options);
+  struct CountBorgs : Database::PreparedState {
+    int count = 0;
+  };
+  auto kept_count = [&] {
+    return db->read([&](soci::session&) {
+      CountBorgs& q = db->prepared<CountBorgs>("count", [](soci::session& sql, CountBorgs& st) {
+        st.statement = std::make_unique<soci::statement>(
+            (sql.prepare << "SELECT COUNT(*) FROM borgs", soci::into(st.count)));
+      });
+      q.statement->execute(true);
+      return q.count;
+    });
+  };
+  db->write([&](soci::session& sql) {
+    sql << "INSERT INTO borgs (name, currency_code) VALUES ('uncommitted', 'USD')";
+    const int outer_pid = backend_pid(sql);
+    // Only the change's own connection sees its row before COMMIT.
+    EXPECT_EQ(db->read([](soci::session& inner) {
+                int n = 0;
+                inner << "SELECT COUNT(*) FROM borgs", soci::into(n);
+                return n;
+              }),
+              1);
+    EXPECT_EQ(kept_count(), 1);
+    EXPECT_EQ(db->read([](soci::session& inner) { return backend_pid(inner); }), outer_pid);
+    db->write([](soci::session& inner) {
+      inner << "INSERT INTO borgs (name, currency_code) VALUES ('nested', 'USD')";
+    });
+    EXPECT_EQ(kept_count(), 2);
+  });
+  EXPECT_EQ(db->connections_open(), 1u);
+  EXPECT_EQ(kept_count(), 2);
+  // A kept statement needs a call to belong to; outside one it is refused, not guessed.
+  EXPECT_EQ(refusal_of([&] {
+              db->prepared<CountBorgs>("count", [](soci::session&, CountBorgs&) {});
+            }),
+            error_number(Refusal::kDatabaseError));
+  DatabaseOptions too_many;
+  too_many.connections = 1001;
+  EXPECT_EQ(refusal_of([&] { Database::Open(scratch.url(), too_many); }),
+            error_number(Refusal::kInvalidArgument));
 }
 
 }  // namespace
