@@ -8,6 +8,7 @@
 
 #include "apps/portal/server.h"
 #include "reference/seed.h"
+#include "reference/test_fixture.h"
 
 namespace portal {
 namespace {
@@ -712,6 +713,67 @@ TEST_F(PortalTest, AnyProcessServesAnySession) {
   auto out = c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}});
   EXPECT_EQ(out->status, 303) << out->body;
   EXPECT_EQ(c.Get("/reqs", me.headers)->status, 303);
+}
+
+// On PostgreSQL: the server's connections cut (a restart, a dropped connection) between
+// requests. Pages read and sign-ins write again on new connections; nothing needs a restart.
+TEST(PortalOnPostgres, PagesWorkAgainAfterTheDatabaseConnectionsAreCut) {
+  namespace ref = kxui::reference;
+  if (!ref::testing::on_postgres()) GTEST_SKIP() << "SQLite has no connection to lose";
+  ref::testing::TempDir tmp;
+  ref::testing::ScratchDatabase scratch(tmp.path, "portal.db");
+  // Named, so that only this portal's connections are cut on a server other tests share.
+  const std::string name = "kxportal_cut_" + std::to_string(::getpid());
+  const std::string url = scratch.url() +
+                          (scratch.url().find('?') == std::string::npos ? " " : "&") +
+                          "application_name=" + name;
+  {
+    auto db = ref::Database::Open(url);
+    ref::SeedOptions o;
+    o.users_per_borg = 4;
+    o.parts = 20;
+    o.requisitions_per_user = 1;
+    ref::Seed(*db, o);
+  }
+  Server server(url);
+  httplib::Client c("127.0.0.1", server.port);
+  c.set_read_timeout(20, 0);
+  auto cookie_of = [](const httplib::Result& r) {
+    const std::string set = r->get_header_value("Set-Cookie");
+    return set.substr(0, set.find(';'));
+  };
+  auto sign_in = [&](const std::string& login) {
+    auto form = c.Get("/login");
+    std::smatch m;
+    std::regex_search(form->body, m, std::regex("name=\"csrf\" value=\"([0-9a-f]+)\""));
+    auto r = c.Post("/login", {{"Cookie", cookie_of(form)}},
+                    httplib::Params{{"csrf", m[1].str()}, {"login", login},
+                                    {"password", login + "-pw"}});
+    EXPECT_EQ(r->status, 303) << login << ": " << r->body;
+    return httplib::Headers{{"Cookie", cookie_of(r)}};
+  };
+  auto cut = [&] {
+    soci::session admin("postgresql",
+                        ref::parse_connection_string(ref::testing::server_url()).connect);
+    int ended = 0;
+    // CASE, so that the name is checked before anything is ended.
+    admin << "SELECT SUM(CASE WHEN application_name = :n THEN pg_terminate_backend(pid, 10000)::int "
+             "ELSE 0 END) FROM pg_stat_activity",
+        soci::use(name), soci::into(ended);
+    EXPECT_GE(ended, 1);
+  };
+  const httplib::Headers first = sign_in("u1_2");
+  ASSERT_EQ(c.Get("/reqs", first)->status, 200);
+  cut();
+  auto list = c.Get("/reqs", first);
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->status, 200) << list->body;
+  EXPECT_THAT(list->body, HasSubstr("u1_2"));
+  cut();
+  const httplib::Headers second = sign_in("u2_3");
+  auto home = c.Get("/", second);
+  EXPECT_EQ(home->status, 200);
+  EXPECT_THAT(home->body, HasSubstr("Today is"));
 }
 
 }  // namespace
