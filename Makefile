@@ -102,10 +102,11 @@ load: build
 	build/default/apps/portal/kxportal_load --db build/portal-load.db --users 50 --seconds 60
 
 # The reference tier's tests once more, on a throwaway PostgreSQL cluster in build/pg that
-# is stopped whatever happens.
+# is stopped whatever happens; then the portal's PostgreSQL-only tests there.
 test-pg: build
-	tools/pg_cluster.sh run build/pg -- \
-	  ctest --preset default -L '^reference_test$$' -j $(JOBS) --output-on-failure
+	tools/pg_cluster.sh run build/pg -- sh -c \
+	  "ctest --preset default -L '^reference_test$$' -j $(JOBS) --output-on-failure && \
+	   build/default/apps/portal/apps_portal_test --gtest_filter='PortalOnPostgres.*'"
 
 # Two portal processes on one throwaway PostgreSQL database, half the users contending for
 # the same approvals and receipts, the first process killed halfway (tools/scale_load.sh).

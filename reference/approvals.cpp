@@ -138,13 +138,13 @@ RecordsetPtr RefApprovalReview::GetReviewList(const SessionPtr& session, int32_t
                                               int32_t reviewer_id, Variant&) {
   result_code_ = 0;
   auto rs = answer("GetReviewList", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     static constexpr Column kColumns[] = {
         {"ReviewerID", Kind::kInt},     {"ReviewerName", Kind::kText, 100},
         {"AddedDate", Kind::kDate},     {"ReviewedDate", Kind::kDate},
         {"Comments", Kind::kText, 2000}};
     return db().read([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       // Reviewer 0: every review of the requisition.
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT v.reviewer_id, u.full_name, v.added_date, v.reviewed_date, "
@@ -163,13 +163,13 @@ bool RefApprovalItems::Load(const SessionPtr& session, int32_t req_id, int32_t s
   items_.clear();
   std::vector<std::shared_ptr<business::ApprovalItem>> items;
   const bool ok = answer("Load", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     db().read([&](soci::session& sql) {
+      load_req(sql, req_id, s);
       int step = 0;
       sql << "SELECT COUNT(*) FROM approval_steps WHERE req_id = :r AND seq_num = :q",
           soci::use(req_id), soci::use(seq_num), soci::into(step);
       if (step == 0) {
-        load_req(sql, req_id);
         refuse(Refusal::kNotFound, "Requisition " + std::to_string(req_id) +
                                        " has no approval step " + std::to_string(seq_num) + ".");
       }
@@ -191,8 +191,9 @@ bool RefApprovalItems::Load(const SessionPtr& session, int32_t req_id, int32_t s
 
 bool RefApproval::Load(const SessionPtr& session, int32_t req_id, int32_t seq_num, Variant&) {
   return answer("Load", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     db().read([&](soci::session& sql) {
+      load_req(sql, req_id, s);
       int type = 0;
       std::string received;
       soci::indicator received_ind = soci::i_ok;
@@ -201,7 +202,6 @@ bool RefApproval::Load(const SessionPtr& session, int32_t req_id, int32_t seq_nu
           soci::use(req_id), soci::use(seq_num), soci::into(type), soci::into(status_),
           soci::into(approver_), soci::into(received, received_ind);
       if (!sql.got_data()) {
-        load_req(sql, req_id);
         refuse(Refusal::kNotFound, "Requisition " + std::to_string(req_id) +
                                        " has no approval step " + std::to_string(seq_num) + ".");
       }

@@ -25,17 +25,10 @@ const char* const kLineSelect =
     "uom_id, unit_price, currency_code, is_special, smart_form_id FROM req_lines "
     "WHERE req_id = :r";
 
-void require_same_borg(const ReqRow& req, const Session& s) {
-  if (req.borg_id != s.BorgID()) {
-    refuse(Refusal::kNotAllowed, "The requisition belongs to another organisation.");
-  }
-}
-
 // Loads the requisition for a line change: editable, not locked by another session.
 ReqRow for_change(soci::session& sql, Database& db, int32_t req_id, const Session& s,
                   int32_t line_num, const std::string& action) {
-  ReqRow req = load_req(sql, req_id);
-  require_same_borg(req, s);
+  ReqRow req = load_req(sql, req_id, s);
   require_editable(req, action);
   require_not_locked_by_other(sql, db, kReqLocks, req_id, s);
   int found = 0;
@@ -53,7 +46,7 @@ RecordsetPtr RefRequisition::GetItems(const SessionPtr& session, int32_t req_id,
   return answer("GetItems", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      require_same_borg(load_req(sql, req_id), s);
+      load_req(sql, req_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << kLineSelect << " ORDER BY line_num", soci::use(req_id));
       return to_recordset(rows, kLineColumns);
@@ -66,7 +59,7 @@ RecordsetPtr RefRequisition::GetItem(const SessionPtr& session, int32_t req_id, 
   return answer("GetItem", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
     RecordsetPtr rs = db().read([&](soci::session& sql) {
-      require_same_borg(load_req(sql, req_id), s);
+      load_req(sql, req_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << kLineSelect << " AND line_num = :l", soci::use(req_id),
            soci::use(line_num));

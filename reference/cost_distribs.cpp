@@ -46,12 +46,12 @@ double number_of(std::string item, const char* what) {
 RecordsetPtr RefPOCostDistribs::GetListCostCenter(const SessionPtr& session, int32_t po_id,
                                                   Variant&) {
   return answer("GetListCostCenter", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     static constexpr Column kColumns[] = {{"CostCenterID", Kind::kInt},
                                           {"CostCenterCode", Kind::kText, 20},
                                           {"CostCenterName", Kind::kText, 100}};
     return db().read([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT c.cost_center_id, c.code, c.name FROM cost_centers c "
                           "JOIN requisitions r ON r.borg_id = c.borg_id WHERE r.req_id = :r "
@@ -65,13 +65,13 @@ RecordsetPtr RefPOCostDistribs::GetListCostCenter(const SessionPtr& session, int
 RecordsetPtr RefPOCostDistribs::GetListCostDistribs(const SessionPtr& session, int32_t po_id,
                                                     int32_t line_number, Variant&) {
   return answer("GetListCostDistribs", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     static constexpr Column kColumns[] = {{"LineNum", Kind::kInt},
                                           {"CostCenterID", Kind::kInt},
                                           {"CostCenterName", Kind::kText, 100},
                                           {"Percent", Kind::kDouble}};
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT d.line_num, d.cost_center_id, c.name, d.percent FROM "
                           "po_cost_distribs d JOIN cost_centers c ON c.cost_center_id = "
@@ -109,7 +109,7 @@ bool RefPOCostDistribs::SaveCostDistribs(const SessionPtr& session, int32_t po_i
                                             ", not 100.");
     }
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       require_changeable(sql, db(), po, s, "changing its cost split");
       int line = 0;
       sql << "SELECT COUNT(*) FROM po_lines WHERE po_id = :p AND line_num = :l", soci::use(po_id),

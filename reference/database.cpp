@@ -16,10 +16,6 @@
 
 namespace kxui::reference {
 
-struct Database::Cache {
-  std::map<std::string, std::unique_ptr<Database::PreparedState>> states;
-};
-
 namespace {
 
 // Serialization failure and deadlock: the change lost to a concurrent one and may run again.
@@ -122,51 +118,133 @@ void raise_database_error(std::string_view what) {
   }
 }
 
-Database::Database(Backend backend, DatabaseOptions options)
-    : backend_(backend), options_(std::move(options)), cache_(std::make_unique<Cache>()) {}
-
-Database::~Database() {
-  // Statements go before the session they were prepared on.
-  cache_.reset();
+Database::Database(Backend backend, DatabaseOptions options, std::string connect)
+    : backend_(backend), options_(std::move(options)), connect_(std::move(connect)) {
+  if (backend_ == Backend::kSqlite || options_.connections < 1) options_.connections = 1;
+  connections_.reserve(static_cast<size_t>(options_.connections));
+  idle_.reserve(static_cast<size_t>(options_.connections));
 }
+
+Database::~Database() = default;
 
 std::shared_ptr<Database> Database::Open(const std::string& url, DatabaseOptions options) {
   const ConnectionTarget target = parse_connection_string(url);
-  const std::string& rest = target.connect;
-  std::shared_ptr<Database> db(new Database(target.backend, std::move(options)));
-  std::lock_guard<std::recursive_mutex> guard(db->mutex_);
+  if (options.connections > 1000) {
+    refuse(Refusal::kInvalidArgument, "At most 1000 database connections, not " +
+                                          std::to_string(options.connections));
+  }
+  std::shared_ptr<Database> db(new Database(target.backend, std::move(options), target.connect));
+  Connection* first = db->connections_.emplace_back(db->open_connection()).get();
+  db->idle_.push_back(first);
+  db->migrate();
+  return db;
+}
+
+std::unique_ptr<Database::Connection> Database::open_connection() {
+  auto c = std::make_unique<Connection>();
+  soci::session& sql = c->sql;
   try {
-    if (target.backend == Backend::kSqlite) {
-      db->sql_.open(soci::sqlite3, "db=\"" + rest + "\" timeout=" +
-                                       std::to_string(db->options_.busy_timeout_ms / 1000 + 1) +
-                                       (db->options_.read_only ? " readonly=1" : ""));
-      db->sql_ << "PRAGMA busy_timeout = " + std::to_string(db->options_.busy_timeout_ms);
-      db->sql_ << "PRAGMA foreign_keys = ON";
+    if (backend_ == Backend::kSqlite) {
+      sql.open(soci::sqlite3, "db=\"" + connect_ + "\" timeout=" +
+                                  std::to_string(options_.busy_timeout_ms / 1000 + 1) +
+                                  (options_.read_only ? " readonly=1" : ""));
+      sql << "PRAGMA busy_timeout = " + std::to_string(options_.busy_timeout_ms);
+      sql << "PRAGMA foreign_keys = ON";
       // Turning a new file to WAL can answer busy without waiting, while another program
       // opens it at the same moment: try again until the busy timeout has passed.
       std::string mode;
       for (int waited = 0;; waited += 10) {
         try {
-          db->sql_ << "PRAGMA journal_mode = WAL", soci::into(mode);
+          sql << "PRAGMA journal_mode = WAL", soci::into(mode);
           break;
         } catch (const soci::soci_error&) {
-          if (waited >= db->options_.busy_timeout_ms) throw;
+          if (waited >= options_.busy_timeout_ms) throw;
           std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
       }
     } else {
-      db->sql_.open(soci::postgresql, rest);
-      // Quiet notices ("table exists, skipping") stay out of the client's stderr.
-      db->sql_ << "SET client_min_messages = warning";
-      if (db->options_.read_only) {
-        db->sql_ << "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
-      }
+      sql.open(soci::postgresql, connect_);
+      configure_session(sql);
     }
   } catch (...) {
     raise_database_error("opening the database");
   }
-  db->migrate();
-  return db;
+  return c;
+}
+
+// The connections each thread holds, innermost last: calls on one thread nest.
+std::vector<std::pair<const Database*, Database::Connection*>>& Database::holdings() {
+  thread_local std::vector<std::pair<const Database*, Connection*>> held;
+  return held;
+}
+
+Database::Lease::Lease(Database& db) : db_(db) {
+  auto& held = holdings();
+  for (const auto& [owner, connection] : held) {
+    if (owner == &db) {
+      connection_ = connection;
+      return;
+    }
+  }
+  std::unique_lock<std::mutex> lock(db.pool_mutex_);
+  for (;;) {
+    if (!db.idle_.empty()) {
+      connection_ = db.idle_.back();
+      db.idle_.pop_back();
+      break;
+    }
+    if (db.connections_.size() + db.opening_ < static_cast<size_t>(db.options_.connections)) {
+      // Opened outside the mutex: a slow server holds up only the caller that needs it.
+      ++db.opening_;
+      lock.unlock();
+      std::unique_ptr<Connection> fresh;
+      try {
+        fresh = db.open_connection();
+      } catch (...) {
+        lock.lock();
+        --db.opening_;
+        db.given_back_.notify_one();
+        throw;
+      }
+      lock.lock();
+      --db.opening_;
+      connection_ = db.connections_.emplace_back(std::move(fresh)).get();
+      break;
+    }
+    db.given_back_.wait(lock);
+  }
+  lock.unlock();
+  outermost_ = true;
+  try {
+    held.emplace_back(&db, connection_);
+  } catch (...) {
+    std::lock_guard<std::mutex> relock(db.pool_mutex_);
+    db.idle_.push_back(connection_);
+    db.given_back_.notify_one();
+    throw;
+  }
+}
+
+Database::Lease::~Lease() {
+  if (!outermost_) return;
+  holdings().pop_back();
+  {
+    std::lock_guard<std::mutex> lock(db_.pool_mutex_);
+    db_.idle_.push_back(connection_);  // room reserved for every connection: cannot throw
+  }
+  db_.given_back_.notify_one();
+}
+
+Database::Connection& Database::held() {
+  for (const auto& [owner, connection] : holdings()) {
+    if (owner == this) return *connection;
+  }
+  refuse(Refusal::kDatabaseError, "A kept statement was used outside a database call");
+}
+
+size_t Database::connections_open() {
+  std::lock_guard<std::mutex> lock(pool_mutex_);
+  return connections_.size();
 }
 
 Date Database::now() const {
@@ -177,18 +255,62 @@ Date Database::now() const {
   return Date::from_seconds(secs);
 }
 
-void Database::begin() {
+void Database::configure_session(soci::session& sql) {
+  if (backend_ != Backend::kPostgres) return;
+  // Quiet notices ("table exists, skipping") stay out of the client's stderr.
+  sql << "SET client_min_messages = warning";
+  if (options_.read_only) sql << "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
+}
+
+bool Database::lost_connection(Connection& c) noexcept {
+  if (backend_ != Backend::kPostgres) return false;
+  // Only a database error can mean the connection broke; a business refusal cannot.
+  bool database_error = false;
+  try {
+    throw;
+  } catch (const soci::soci_error&) {
+    database_error = true;
+  } catch (const Failure& f) {
+    // A statement's error turned into a business error inside the call.
+    database_error = f.number() == error_number(Refusal::kDatabaseError);
+  } catch (...) {
+  }
+  // libpq marks the connection bad once it sees it closed; a live one answers a ping.
+  if (database_error && !c.lost && !c.sql.is_connected()) c.lost = true;
+  return database_error && c.lost;
+}
+
+void Database::reopen_if_lost(Connection& c) {
+  if (!c.lost) return;
+  // Statements go before the connection they were prepared on; the new one prepares its own.
+  c.prepared.clear();
+  try {
+    c.sql.reconnect();
+    configure_session(c.sql);
+  } catch (...) {
+    raise_database_error("connecting to the database again");
+  }
+  c.lost = false;
+}
+
+void Database::raise_lost_commit() {
+  refuse(Refusal::kDatabaseError,
+         "The connection to the database was lost while saving a change; it may or may not "
+         "have been saved, so check before doing it again");
+}
+
+void Database::begin(Connection& c) {
   // SQLite: the write lock from the start, so two changes never interleave. PostgreSQL:
   // serializable, so a change that read what a concurrent one wrote fails at once
   // (and runs again) instead of deciding on stale data.
-  sql_ << (backend_ == Backend::kSqlite ? "BEGIN IMMEDIATE" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
+  c.sql << (backend_ == Backend::kSqlite ? "BEGIN IMMEDIATE" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
 }
 
-void Database::commit() { sql_ << "COMMIT"; }
+void Database::commit(Connection& c) { c.sql << "COMMIT"; }
 
-void Database::rollback() noexcept {
+void Database::rollback(Connection& c) noexcept {
   try {
-    sql_ << "ROLLBACK";
+    c.sql << "ROLLBACK";
   } catch (...) {
     // The database already ended the transaction (or the connection is gone).
   }
@@ -234,6 +356,9 @@ std::vector<int32_t> Database::applied_versions() {
 }
 
 void Database::migrate() {
+  // One connection for the whole migration: the advisory lock belongs to it.
+  Lease lease(*this);
+  soci::session& session = lease.connection().sql;
   const std::vector<Migration>& all = options_.migrations ? *options_.migrations : migrations();
   std::vector<int32_t> applied;
   bool has_table = true;
@@ -265,7 +390,7 @@ void Database::migrate() {
   const bool postgres = backend_ == Backend::kPostgres;
   if (postgres) {
     try {
-      sql_ << "SELECT pg_advisory_lock(20531, hashtext(current_schema()))";
+      session << "SELECT pg_advisory_lock(20531, hashtext(current_schema()))";
     } catch (...) {
       raise_database_error("waiting for another program's migration");
     }
@@ -291,22 +416,18 @@ void Database::migrate() {
       });
     }
   } catch (...) {
-    if (postgres) unlock_migrations();
+    if (postgres) unlock_migrations(session);
     throw;
   }
-  if (postgres) unlock_migrations();
+  if (postgres) unlock_migrations(session);
 }
 
-void Database::unlock_migrations() noexcept {
+void Database::unlock_migrations(soci::session& sql) noexcept {
   try {
-    sql_ << "SELECT pg_advisory_unlock(20531, hashtext(current_schema()))";
+    sql << "SELECT pg_advisory_unlock(20531, hashtext(current_schema()))";
   } catch (...) {
     // The lock goes with the connection anyway.
   }
-}
-
-std::unique_ptr<Database::PreparedState>& Database::prepared_slot(const std::string& key) {
-  return cache_->states[key];
 }
 
 std::string date_text(Date d) {

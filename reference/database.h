@@ -1,4 +1,5 @@
-// Database: the reference tier's one connection, over SQLite or PostgreSQL through SOCI.
+// Database: the reference tier's connection to SQLite or PostgreSQL through SOCI (on
+// PostgreSQL a small pool of them).
 // Opening applies the schema migrations; every change runs in one transaction that is
 // rolled back on any failure; database errors come out as Failures with a clear text.
 // Concurrent changes, from this process or another one on the same database, are
@@ -6,8 +7,10 @@
 // PostgreSQL runs changes serializable and replays one that lost a conflict.
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -39,6 +42,10 @@ struct DatabaseOptions {
   int32_t conflict_attempts = 30;
   // The schema to bring the database to; null means the tier's own migrations().
   const std::vector<Migration>* migrations = nullptr;
+  // PostgreSQL: how many connections (1 to 1000) calls from different threads may run on
+  // at the same time, opened as they are needed. SQLite keeps one: its write lock lets
+  // one change through at a time anyway.
+  int32_t connections = 1;
 };
 
 // Which backend a connection string names, and what is handed to it: "postgresql://..."
@@ -66,13 +73,18 @@ class Database {
   // The highest migration applied.
   int32_t schema_version();
 
-  // Runs `fn(session)` alone on the connection and in one transaction: committed when it
+  // Runs `fn(session)` alone on a connection and in one transaction: committed when it
   // returns, rolled back when it throws. Database errors become Failures. On PostgreSQL
   // a change that collides with a concurrent one is rolled back and `fn` runs again, so
   // `fn` must leave nothing outside the database changed except what it assigns.
+  // When the PostgreSQL connection turns out broken (the server restarted, the connection
+  // was cut), the outermost call reconnects and runs the change once more if it failed
+  // before COMMIT was sent; a connection lost during COMMIT is reported, never repeated.
+  // Calls inside the call, on the same thread, use the same connection and transaction.
   template <class Fn>
   auto write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
-  // Runs `fn(session)` alone on the connection, outside a transaction of its own.
+  // Runs `fn(session)` alone on a connection, outside a transaction of its own; once
+  // more on a new connection when the PostgreSQL one turns out broken.
   template <class Fn>
   auto read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>()));
 
@@ -81,41 +93,85 @@ class Database {
     virtual ~PreparedState() = default;
     std::unique_ptr<soci::statement> statement;
   };
-  // The state S (a PreparedState) kept under `key`: `prepare` builds its statement,
-  // bound to S's own members, the first time; later calls reuse it. Call inside read()
-  // or write(), which keep the connection to one caller at a time.
+  // The state S (a PreparedState) kept under `key` on the calling thread's connection:
+  // `prepare` builds its statement, bound to S's own members, the first time; later calls
+  // reuse it. Call inside read() or write(), which keep the connection to one caller at a
+  // time. A reconnect drops every kept state, so hold none across calls.
   template <class S>
   S& prepared(const std::string& key, const std::function<void(soci::session&, S&)>& prepare) {
-    std::unique_ptr<PreparedState>& slot = prepared_slot(key);
+    Connection& c = held();
+    std::unique_ptr<PreparedState>& slot = c.prepared[key];
     if (!slot) {
       auto state = std::make_unique<S>();
-      prepare(sql_, *state);
+      prepare(c.sql, *state);
       slot = std::move(state);
     }
     return static_cast<S&>(*slot);
   }
 
+  // How many connections are open.
+  size_t connections_open();
+
   ~Database();
 
  private:
-  Database(Backend backend, DatabaseOptions options);
-  void begin();
-  void commit();
-  void rollback() noexcept;
+  struct Connection {
+    soci::session sql;
+    // After the session, so that statements go before the session they were prepared on.
+    std::map<std::string, std::unique_ptr<PreparedState>> prepared;
+    int depth = 0;      // nested write() calls join the outer transaction
+    bool lost = false;  // the connection broke; the next outermost call reconnects
+  };
+  // The calling thread's connection for the length of a call: the one it already holds
+  // (a call inside a call), else an idle one, else a new one while the pool has room,
+  // else the first one given back.
+  class Lease {
+   public:
+    explicit Lease(Database& db);  // throws Failure when a new connection cannot be opened
+    ~Lease();
+    Lease(const Lease&) = delete;
+    Lease& operator=(const Lease&) = delete;
+    Connection& connection() const { return *connection_; }
+    // Whether the call holds the connection first: only it may reconnect, since an inner
+    // call would pull the connection, its transaction and statements from under its caller.
+    bool outermost() const { return outermost_; }
+
+   private:
+    Database& db_;
+    Connection* connection_ = nullptr;
+    bool outermost_ = false;
+  };
+
+  Database(Backend backend, DatabaseOptions options, std::string connect);
+  std::unique_ptr<Connection> open_connection();
+  Connection& held();
+  static std::vector<std::pair<const Database*, Connection*>>& holdings();
+  void begin(Connection& c);
+  void commit(Connection& c);
+  void rollback(Connection& c) noexcept;
   // After a failed attempt (the exception in flight): whether to run the change again.
   bool retry_conflict(int attempt) noexcept;
+  // After a failed call (the exception in flight): whether the PostgreSQL connection broke
+  // under it. If so, the next outermost call on it reconnects.
+  bool lost_connection(Connection& c) noexcept;
+  // Reconnects a connection found broken, dropping its kept statements. Throws Failure
+  // when the server cannot be reached.
+  void reopen_if_lost(Connection& c);
+  // Per PostgreSQL connection: quiet notices, and the read-only mode when asked for.
+  void configure_session(soci::session& sql);
+  [[noreturn]] static void raise_lost_commit();
   void migrate();
-  void unlock_migrations() noexcept;
+  void unlock_migrations(soci::session& sql) noexcept;
   std::vector<int32_t> applied_versions();
-  std::unique_ptr<PreparedState>& prepared_slot(const std::string& key);
 
   Backend backend_;
   DatabaseOptions options_;
-  std::recursive_mutex mutex_;
-  int depth_ = 0;  // nested write() calls join the outer transaction
-  soci::session sql_;
-  struct Cache;
-  std::unique_ptr<Cache> cache_;
+  std::string connect_;
+  std::mutex pool_mutex_;
+  std::condition_variable given_back_;
+  std::vector<std::unique_ptr<Connection>> connections_;  // guarded by pool_mutex_
+  std::vector<Connection*> idle_;                         // guarded by pool_mutex_
+  size_t opening_ = 0;  // connections being opened outside the mutex; guarded by it
 };
 
 using DatabasePtr = std::shared_ptr<Database>;
@@ -125,33 +181,52 @@ using DatabasePtr = std::shared_ptr<Database>;
 
 template <class Fn>
 auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
-  // The mutex keeps this one connection to one thread at a time; it orders nothing
-  // between connections, which is the database's job.
-  std::lock_guard<std::recursive_mutex> guard(mutex_);
-  if (depth_ > 0) return fn(sql_);
+  Lease lease(*this);
+  Connection& c = lease.connection();
+  if (c.depth > 0) return fn(c.sql);
+  bool reconnected = !lease.outermost();
   for (int attempt = 1;; ++attempt) {
     try {
-      begin();
+      if (lease.outermost()) reopen_if_lost(c);
+      begin(c);
     } catch (...) {
+      // Nothing was sent that could have changed anything: the change may run again.
+      if (lost_connection(c) && !reconnected) {
+        reconnected = true;
+        continue;
+      }
       raise_database_error("starting a change");
     }
-    ++depth_;
+    ++c.depth;
+    bool committing = false;
     try {
-      if constexpr (std::is_void_v<decltype(fn(sql_))>) {
-        fn(sql_);
-        --depth_;
-        commit();
+      if constexpr (std::is_void_v<decltype(fn(c.sql))>) {
+        fn(c.sql);
+        --c.depth;
+        committing = true;
+        commit(c);
         return;
       } else {
-        auto result = fn(sql_);
-        --depth_;
-        commit();
+        auto result = fn(c.sql);
+        --c.depth;
+        committing = true;
+        commit(c);
         return result;
       }
     } catch (...) {
-      depth_ = 0;
-      rollback();
+      c.depth = 0;
+      rollback(c);
       if (retry_conflict(attempt)) continue;
+      if (lost_connection(c)) {
+        // Lost before COMMIT was sent, the server rolled the change back: run it once more.
+        // Lost during COMMIT, nobody knows whether it was saved: running it again could
+        // do it twice, so the caller hears that the outcome is unknown.
+        if (committing) raise_lost_commit();
+        if (!reconnected) {
+          reconnected = true;
+          continue;
+        }
+      }
       raise_database_error("saving a change");
     }
   }
@@ -159,13 +234,17 @@ auto Database::write(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
 
 template <class Fn>
 auto Database::read(Fn&& fn) -> decltype(fn(std::declval<soci::session&>())) {
-  std::lock_guard<std::recursive_mutex> guard(mutex_);
-  try {
-    return fn(sql_);
-  } catch (const Failure&) {
-    throw;
-  } catch (...) {
-    raise_database_error("reading");
+  Lease lease(*this);
+  Connection& c = lease.connection();
+  for (bool again = lease.outermost();; again = false) {
+    try {
+      if (lease.outermost()) reopen_if_lost(c);
+      return fn(c.sql);
+    } catch (...) {
+      // A read changes nothing: after a lost connection it runs once more on a new one.
+      if (lost_connection(c) && again) continue;
+      raise_database_error("reading");
+    }
   }
 }
 

@@ -132,12 +132,12 @@ bool RefDiagram::BuildDataStructure(const SessionPtr& session, int32_t req_id,
                                     const std::string& mode, int16_t seq_num,
                                     Variant& html_result, const std::string& font_face, Variant&) {
   return answer("BuildDataStructure", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     // Stage -> the cells of its steps.
     std::map<int, std::string> stages;
     std::string title;
     db().read([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       title = req.name;
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT a.stage, a.seq_num, u.full_name, a.step_type, a.status_id "

@@ -26,14 +26,19 @@ namespace {
 using testing::Fixture;
 using testing::make_fixture;
 
-constexpr Column kColumns[] = {
-    {"POID", Kind::kInt},           {"PONum", Kind::kText, 30},
-    {"POName", Kind::kText, 100},   {"ReqID", Kind::kInt},
-    {"SupplierName", Kind::kText, 100}, {"POStatusID", Kind::kInt},
-    {"StatusName", Kind::kText, 50}, {"CreateDate", Kind::kDate},
-    {"OrderedOnDate", Kind::kDate}, {"TotalAmtDue", Kind::kMoney},
-    {"CurrencyCode", Kind::kText, 3}, {"RequisitionerName", Kind::kText, 100},
-    {"BorgName", Kind::kText, 100}};
+constexpr Column kColumns[] = {{"POID", Kind::kInt},
+                               {"PONum", Kind::kText, 30},
+                               {"POName", Kind::kText, 100},
+                               {"ReqID", Kind::kInt},
+                               {"SupplierName", Kind::kText, 100},
+                               {"POStatusID", Kind::kInt},
+                               {"StatusName", Kind::kText, 50},
+                               {"CreateDate", Kind::kDate},
+                               {"OrderedOnDate", Kind::kDate},
+                               {"TotalAmtDue", Kind::kMoney},
+                               {"CurrencyCode", Kind::kText, 3},
+                               {"RequisitionerName", Kind::kText, 100},
+                               {"BorgName", Kind::kText, 100}};
 
 // 150 orders of alice, 20 of erin and 10 of bob, each from a requisition of its own in
 // either organisation, inserted as any program would (the order's requisitioner is left
@@ -51,8 +56,8 @@ int32_t add_orders(Fixture& f) {
         (sql.prepare << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, "
                         "borg_id, currency_code, create_date) VALUES (:n, 5, :u, :b, :c, :d) "
                         "RETURNING req_id",
-         soci::use(name), soci::use(user), soci::use(borg), soci::use(currency),
-         soci::use(created), soci::into(req_id));
+         soci::use(name), soci::use(user), soci::use(borg), soci::use(currency), soci::use(created),
+         soci::into(req_id));
     soci::statement order =
         (sql.prepare << "INSERT INTO purchase_orders (req_id, supplier_name, status_id, "
                         "create_date, currency_code) VALUES (:r, :s, :st, :d, :c) "
@@ -91,7 +96,8 @@ struct Ask {
   std::string login, borg, number, statuses;
 };
 
-RecordsetPtr whole_list(Database& db, int32_t self, const Ask& ask, const std::string& order) {
+RecordsetPtr whole_list(Database& db, int32_t self, int32_t caller_borg, const Ask& ask,
+                        const std::string& order) {
   const std::string login = text::lower_ascii(ask.login);
   return db.read([&](soci::session& sql) {
     const std::string query =
@@ -102,14 +108,14 @@ RecordsetPtr whole_list(Database& db, int32_t self, const Ask& ask, const std::s
         "FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id "
         "JOIN users u ON u.sys_user_id = r.requisitioner_id JOIN borgs b ON "
         "b.borg_id = r.borg_id JOIN po_statuses s ON s.po_status_id = o.status_id "
-        "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
-        "AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR "
+        "WHERE r.borg_id = :cb AND ((:login = '' AND r.requisitioner_id = :self) OR "
+        "LOWER(u.login_id) = :login2) AND (:borg = '' OR b.name = :borg2) AND (:num = '' OR "
         "LOWER('PO-' || CAST(o.po_id AS VARCHAR(20))) = LOWER(:num2))" +
         (ask.statuses.empty() ? std::string() : " AND o.status_id IN (" + ask.statuses + ")") +
         " ORDER BY " + order;
     soci::rowset<soci::row> rows =
-        (sql.prepare << query, soci::use(login), soci::use(self), soci::use(login),
-         soci::use(ask.borg), soci::use(ask.borg), soci::use(ask.number),
+        (sql.prepare << query, soci::use(caller_borg), soci::use(login), soci::use(self),
+         soci::use(login), soci::use(ask.borg), soci::use(ask.borg), soci::use(ask.number),
          soci::use(ask.number));
     return to_recordset(rows, kColumns);
   });
@@ -157,31 +163,36 @@ const Sort kSorts[] = {
 // by one login in different cases, nobody's, and each filter alone and combined.
 std::vector<Ask> asks(int32_t first_order) {
   const std::string number = "po-" + std::to_string(first_order + 4);
-  return {{"", "", "", ""},        {"bob", "", "", ""},         {"alice", "", "", ""},
-          {"nobody", "", "", ""},  {"", "Berg", "", ""},        {"", "", "", "2, 4"},
-          {"", "", number, ""},    {"", "Acme", "", "1,3,5,7"}, {"alice", "Berg", "", "7"},
-          {"ALICE", "", number, ""}, {"", "Nowhere", "", ""},   {"", "", "PO-0", ""}};
+  return {{"", "", "", ""},          {"bob", "", "", ""},         {"alice", "", "", ""},
+          {"nobody", "", "", ""},    {"", "Berg", "", ""},        {"", "", "", "2, 4"},
+          {"", "", number, ""},      {"", "Acme", "", "1,3,5,7"}, {"alice", "Berg", "", "7"},
+          {"ALICE", "", number, ""}, {"", "Nowhere", "", ""},     {"", "", "PO-0", ""}};
 }
 
 using ListCall = std::function<RecordsetPtr(const SessionPtr&, const Ask&, const char* sort,
                                             std::string& error)>;
 
+// Alice asks from either organisation: orders are listed only where their requisition
+// belongs to the caller's.
 void expect_lists_as_before(Fixture& f, int32_t first_order, const ListCall& call,
                             const std::string& receivable) {
-  auto alice = f.session(f.ids.alice);
-  for (const Sort& sort : kSorts) {
-    for (const Ask& ask : asks(first_order)) {
-      SCOPED_TRACE(std::string(sort.by) + " / " + ask.login + " / " + ask.borg + " / " +
-                   ask.number + " / " + ask.statuses);
-      std::string error;
-      RecordsetPtr list = call(alice, ask, sort.by, error);
-      ASSERT_TRUE(list) << error;
-      Ask whole_ask = ask;
-      if (whole_ask.statuses.empty()) whole_ask.statuses = receivable;
-      RecordsetPtr whole = whole_list(*f.db, f.ids.alice, whole_ask, sort.order);
-      const int32_t n = whole->RecordCount();
-      EXPECT_EQ(list->AbsolutePosition(), n > 0 ? 1 : adPosUnknown);
-      expect_same_rows(*list, *whole, walk_of(n));
+  for (int32_t caller_borg : {f.ids.acme, f.ids.berg}) {
+    auto alice = f.session(f.ids.alice);
+    alice->borg_id = caller_borg;
+    for (const Sort& sort : kSorts) {
+      for (const Ask& ask : asks(first_order)) {
+        SCOPED_TRACE(std::string(sort.by) + " / " + ask.login + " / " + ask.borg + " / " +
+                     ask.number + " / " + ask.statuses);
+        std::string error;
+        RecordsetPtr list = call(alice, ask, sort.by, error);
+        ASSERT_TRUE(list) << error;
+        Ask whole_ask = ask;
+        if (whole_ask.statuses.empty()) whole_ask.statuses = receivable;
+        RecordsetPtr whole = whole_list(*f.db, f.ids.alice, caller_borg, whole_ask, sort.order);
+        const int32_t n = whole->RecordCount();
+        EXPECT_EQ(list->AbsolutePosition(), n > 0 ? 1 : adPosUnknown);
+        expect_same_rows(*list, *whole, walk_of(n));
+      }
     }
   }
 }
@@ -252,10 +263,13 @@ TEST(OrderLists, AnOrderFollowsItsRequisitionsRequisitioner) {
   auto f = make_fixture();
   const int32_t first = add_orders(*f);
   auto tier = create_as<business::PurchaseOrder>(*f->runtime, progid::PurchaseOrder);
-  const auto ids_of = [&](int32_t user) {
+  // The orders a user lists, asking from an organisation.
+  const auto ids_of = [&](int32_t user, int32_t borg) {
+    auto session = f->session(user);
+    session->borg_id = borg;
     Variant cd;
-    RecordsetPtr rs = tier->GetPOList(f->session(user), Variant(""), Variant(""), "",
-                                      Variant("POID"), Variant(""), cd);
+    RecordsetPtr rs =
+        tier->GetPOList(session, Variant(""), Variant(""), "", Variant("POID"), Variant(""), cd);
     std::set<int32_t> ids;
     if (!rs) {
       ADD_FAILURE() << tier->GetError()->Description();
@@ -267,16 +281,19 @@ TEST(OrderLists, AnOrderFollowsItsRequisitionsRequisitioner) {
     }
     return ids;
   };
-  ASSERT_EQ(ids_of(f->ids.alice).size(), 150u);
-  ASSERT_EQ(ids_of(f->ids.bob).size(), 10u);
+  // Every fourth requisition is Berg's, the first among them.
+  const int32_t acme = f->ids.acme, berg = f->ids.berg;
+  ASSERT_EQ(ids_of(f->ids.alice, berg).size(), 38u);
+  ASSERT_EQ(ids_of(f->ids.alice, acme).size(), 112u);
+  ASSERT_EQ(ids_of(f->ids.bob, acme).size(), 8u);
   f->db->write([&](soci::session& sql) {
     sql << "UPDATE purchase_orders SET req_id = (SELECT MAX(o.req_id) FROM purchase_orders o) "
            "WHERE po_id = :p",
         soci::use(first);
   });
-  EXPECT_EQ(ids_of(f->ids.alice).count(first), 0u);
-  EXPECT_EQ(ids_of(f->ids.bob).count(first), 1u) << "the last requisition is bob's";
-  EXPECT_EQ(ids_of(f->ids.alice).size(), 149u);
+  EXPECT_EQ(ids_of(f->ids.alice, berg).count(first), 0u);
+  EXPECT_EQ(ids_of(f->ids.bob, acme).count(first), 1u) << "the last requisition is bob's, Acme's";
+  EXPECT_EQ(ids_of(f->ids.alice, berg).size(), 37u);
 }
 
 // A list whose rows change after it was counted fails on the rows it can no longer read,
@@ -289,14 +306,14 @@ TEST(OrderLists, RowsGoneAfterTheCountFailTheRead) {
   RecordsetPtr list = tier->GetPOList(f->session(f->ids.alice), Variant(""), Variant(""), "",
                                       Variant("POID"), Variant(""), cd);
   ASSERT_TRUE(list) << tier->GetError()->Description();
-  ASSERT_EQ(list->RecordCount(), 150);
+  ASSERT_EQ(list->RecordCount(), 112) << "alice's orders from Acme's requisitions";
   const Variant first = list->value(0);
   f->db->write([&](soci::session& sql) {
     sql << "DELETE FROM purchase_orders WHERE po_id IN (SELECT po_id FROM purchase_orders "
            "WHERE requisitioner_id = :u ORDER BY po_id DESC LIMIT 10)",
         soci::use(f->ids.alice);
   });
-  list->SetAbsolutePosition(150);
+  list->SetAbsolutePosition(112);
   try {
     (void)list->value(0);
     ADD_FAILURE() << "read a row that is gone";

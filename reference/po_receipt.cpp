@@ -63,10 +63,10 @@ RecordsetPtr RefPOReceipt::GetReceiveList(const SessionPtr& session, Array& para
 
 RecordsetPtr RefPOReceipt::GetPOItems(const SessionPtr& session, Array& params) {
   return answer("GetPOItems", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t po_id = params.at(0).to_int32();
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows = (sql.prepare << kLines, soci::use(po_id));
       return to_recordset(rows, kLineColumns);
     });
@@ -80,7 +80,7 @@ RecordsetPtr RefPOReceipt::GetReceiptHdr(const SessionPtr& session, Array& param
     const Date now = db().now();
     const int user = s.SysUserID();
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       // A new receipt: no id yet, no cartons, received and documented today.
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT 0, o.po_id, 'PO-' || CAST(o.po_id AS VARCHAR(20)), "
@@ -103,10 +103,10 @@ RecordsetPtr RefPOReceipt::GetReceiptHdr(const SessionPtr& session, Array& param
 
 RecordsetPtr RefPOReceipt::GetReceiptHdrList(const SessionPtr& session, Array& params) {
   return answer("GetReceiptHdrList", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t po_id = params.at(0).to_int32();
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT r.receipt_id, o.po_id, 'PO-' || CAST(o.po_id AS VARCHAR(20)), "
                           "o.supplier_name, r.carton_cnt, r.receive_date, r.doc_create_date, "
@@ -121,11 +121,11 @@ RecordsetPtr RefPOReceipt::GetReceiptHdrList(const SessionPtr& session, Array& p
 
 RecordsetPtr RefPOReceipt::GetReceiptItems(const SessionPtr& session, Array& params) {
   return answer("GetReceiptItems", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t po_id = params.at(0).to_int32();
     const bool all = params.at(1).to_bool();
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT line_num, description, qty, received_qty, 0, 0, '' "
                           "FROM po_lines WHERE po_id = :p ORDER BY line_num",
@@ -149,15 +149,16 @@ RecordsetPtr RefPOReceipt::GetReceiptItems(const SessionPtr& session, Array& par
 
 RecordsetPtr RefPOReceipt::GetReceiptItemList(const SessionPtr& session, Array& params) {
   return answer("GetReceiptItemList", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t receipt_id = params.at(0).to_int32();
     return db().read([&](soci::session& sql) {
-      int found = 0;
-      sql << "SELECT COUNT(*) FROM receipts WHERE receipt_id = :r", soci::use(receipt_id),
-          soci::into(found);
-      if (!found) {
+      int po_id = 0;
+      sql << "SELECT po_id FROM receipts WHERE receipt_id = :r", soci::use(receipt_id),
+          soci::into(po_id);
+      if (!sql.got_data()) {
         refuse(Refusal::kNotFound, "Receipt " + std::to_string(receipt_id) + " does not exist.");
       }
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT rl.receipt_id, rl.line_num, l.description, l.qty, "
                           "rl.received_qty, rl.packing_slip_qty, rl.comments FROM receipt_lines "
@@ -186,7 +187,7 @@ int32_t RefPOReceipt::SubmitReceipt(const SessionPtr& session, const RecordsetPt
     const std::string now = date_text(db().now());
     const int user = s.SysUserID();
     return db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       if (!kReceivable.count(po.status)) {
         refuse(Refusal::kWrongStatus,
                "Order " + std::to_string(po_id) + " is not awaiting receipt.");

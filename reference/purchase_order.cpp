@@ -109,7 +109,7 @@ bool RefPurchaseOrder::LoadPO(const SessionPtr& session, int32_t po_id, bool loc
     const Session& s = session_of(session);
     auto h = std::make_shared<RefPOHeader>();
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       std::string created;
       long long total = 0;
       soci::indicator sup_ind = soci::i_ok;
@@ -141,9 +141,9 @@ bool RefPurchaseOrder::LoadPO(const SessionPtr& session, int32_t po_id, bool loc
 RecordsetPtr RefPurchaseOrder::GetPOItems(const SessionPtr& session, int32_t po_id,
                                           int32_t line_number, Variant&) {
   return answer("GetPOItems", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT l.line_num, l.req_line_num, l.part_id, l.description, l.qty, "
                           "l.unit_price, CAST(ROUND(l.qty * l.unit_price * b.tax_rate) AS BIGINT), "
@@ -186,10 +186,11 @@ namespace {
 
 // What an order list is filtered on, held by value: a list read on demand outlives the
 // call. The statuses travel as one text ",2,4," so that the statement's text does not
-// depend on how many were asked for.
+// depend on how many were asked for. Orders are listed only where their requisition
+// belongs to the caller's organisation (`caller_borg`).
 struct OrderFilter {
   std::string login, borg, number, statuses;
-  int self = 0;
+  int self = 0, caller_borg = 0;
 };
 
 // Which conditions a list's statements hold: only those the call sets, and for one user's
@@ -205,16 +206,13 @@ struct OrderShape {
 
 // The list's FROM and WHERE, with the orders as `o`.
 std::string order_filter(const OrderShape& shape) {
-  std::string from = "FROM purchase_orders o ";
-  std::string where;
+  std::string from = "FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id ";
+  std::string where = "WHERE r.borg_id = :caller_borg AND ";
   if (shape.one_user) {
-    if (shape.borg) from += "JOIN requisitions r ON r.req_id = o.req_id ";
-    where = "WHERE o.requisitioner_id = :uid";
+    where += "o.requisitioner_id = :uid";
   } else {
-    from +=
-        "JOIN requisitions r ON r.req_id = o.req_id "
-        "JOIN users u ON u.sys_user_id = r.requisitioner_id ";
-    where = "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2)";
+    from += "JOIN users u ON u.sys_user_id = r.requisitioner_id ";
+    where += "((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2)";
   }
   if (shape.borg) where += " AND r.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
   if (shape.number) where += " AND LOWER('PO-' || CAST(o.po_id AS VARCHAR(20))) = :num";
@@ -229,6 +227,7 @@ struct OrderListStatement : Database::PreparedState {
   OrderFilter filter;
   int uid = 0;
   void bind_filter(soci::statement& st, const OrderShape& shape) {
+    st.exchange(soci::use(filter.caller_borg));
     if (shape.one_user) {
       st.exchange(soci::use(uid));
     } else {
@@ -319,7 +318,7 @@ RecordsetPtr order_list(const DatabasePtr& db, const Session& s, const std::stri
                         const std::string& borg, const std::string& po_number,
                         const std::string& sort_by, const std::set<int32_t>& statuses) {
   OrderFilter filter{text::lower_ascii(user_name), borg, text::lower_ascii(po_number), "",
-                     s.SysUserID()};
+                     s.SysUserID(), s.BorgID()};
   for (int32_t status : statuses) filter.statuses += "," + std::to_string(status);
   if (!filter.statuses.empty()) filter.statuses += ",";
   const std::string order = order_clause(sort_by);
@@ -349,9 +348,9 @@ RecordsetPtr order_list(const DatabasePtr& db, const Session& s, const std::stri
 
 RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t req_id, Variant&) {
   return answer("GetPOsByReq", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << std::string(kSummarySelect) + "FROM purchase_orders o " +
                               kSummaryJoins + "WHERE o.req_id = :r ORDER BY o.po_id",
@@ -364,9 +363,9 @@ RecordsetPtr RefPurchaseOrder::GetPOsByReq(const SessionPtr& session, int32_t re
 RecordsetPtr RefPurchaseOrder::GetPOLog(const SessionPtr& session, int32_t po_id,
                                         const std::string& filter, Variant&) {
   return answer("GetPOLog", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT g.date_logged, g.log_type, g.description, g.code, u.full_name "
                           "FROM po_log g JOIN users u ON u.sys_user_id = g.sys_user_id "

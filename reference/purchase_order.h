@@ -104,10 +104,11 @@ class RefPOStatus : public business::POStatus, public RefObject {
 };
 
 struct PORow {
-  int32_t po_id = 0, req_id = 0, status = 0;
+  int32_t po_id = 0, req_id = 0, status = 0, borg_id = 0;  // borg: its requisition's
 };
-// The order; refuses with "not found" when there is none.
-PORow load_order(soci::session& sql, int32_t po_id);
+// The order as `caller` may reach it: refuses with "not found" when there is none and
+// "not allowed" when its requisition is another organisation's.
+PORow load_order(soci::session& sql, int32_t po_id, const Session& caller);
 // Refuses a change to an order that is no longer Open or that another session edits;
 // `action` names what was refused.
 void require_changeable(soci::session& sql, Database& db, const PORow& po, const Session& s,

@@ -21,11 +21,16 @@ constexpr Column kStatusColumns[] = {{"POID", Kind::kInt},          {"POStatusID
 
 }  // namespace
 
-PORow load_order(soci::session& sql, int32_t po_id) {
+PORow load_order(soci::session& sql, int32_t po_id, const Session& caller) {
   PORow po;
-  sql << "SELECT po_id, req_id, status_id FROM purchase_orders WHERE po_id = :p", soci::use(po_id),
-      soci::into(po.po_id), soci::into(po.req_id), soci::into(po.status);
+  sql << "SELECT o.po_id, o.req_id, o.status_id, r.borg_id FROM purchase_orders o "
+         "JOIN requisitions r ON r.req_id = o.req_id WHERE o.po_id = :p",
+      soci::use(po_id), soci::into(po.po_id), soci::into(po.req_id), soci::into(po.status),
+      soci::into(po.borg_id);
   if (!sql.got_data()) refuse(Refusal::kNotFound, "Order " + std::to_string(po_id) + " does not exist.");
+  if (po.borg_id != caller.BorgID()) {
+    refuse(Refusal::kNotAllowed, "Order " + std::to_string(po_id) + " belongs to another organisation.");
+  }
   return po;
 }
 
@@ -59,7 +64,7 @@ bool RefPurchaseOrder::CopyToRequisition(const SessionPtr& session, int32_t po_i
     require_length(req_name, 100, "The requisition name");
     int32_t id = 0, total = 0, copied = 0;
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       const int user = s.SysUserID();
       int borg = 0;
       std::string currency;
@@ -98,8 +103,8 @@ bool RefPurchaseOrder::DeletePO(const SessionPtr& session, int32_t po_id, Varian
   return answer("DeletePO", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
-      require_requisitioner(load_req(sql, po.req_id), s, "deleting its order");
+      const PORow po = load_order(sql, po_id, s);
+      require_requisitioner(load_req(sql, po.req_id, s), s, "deleting its order");
       require_changeable(sql, db(), po, s, "deleting it");
       sql << "DELETE FROM purchase_orders WHERE po_id = :p", soci::use(po_id);
     });
@@ -118,7 +123,7 @@ bool RefPurchaseOrder::DeleteLines(const SessionPtr& session,
       for (const auto& entry : list->items) {
         auto item = std::dynamic_pointer_cast<RefPOItem>(entry);
         if (!item) refuse(Refusal::kInvalidArgument, "An order line is not one of this tier's.");
-        const PORow po = load_order(sql, item->po_id);
+        const PORow po = load_order(sql, item->po_id, s);
         require_changeable(sql, db(), po, s, "deleting a line");
         int existed = 0;
         sql << "SELECT COUNT(*) FROM po_lines WHERE po_id = :p AND line_num = :l",
@@ -141,7 +146,7 @@ RecordsetPtr RefPurchaseOrder::GetStatusRecord(const SessionPtr& session, int32_
   return answer("GetStatusRecord", RecordsetPtr(), [&] {
     const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       const bool other = locked_by_other(sql, db(), po_id, s);
       const bool can_edit = po.status == po_status::kOpen && !other;
       soci::rowset<soci::row> rows =
@@ -166,7 +171,7 @@ bool RefPurchaseOrder::IsValidLock(const SessionPtr& session, int32_t po_id, Var
   return answer("IsValidLock", false, [&] {
     const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       if (!holds_lock(sql, db(), kPOLocks, po_id, s)) {
         refuse(Refusal::kLockNotHeld, "This session no longer holds the lock on order " +
                                           std::to_string(po_id) + ".");
@@ -190,7 +195,7 @@ bool RefPurchaseOrder::SetPOStatus(const SessionPtr& session, int32_t po_id, int
   return answer("SetPOStatus", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       std::string name;
       sql << "SELECT name FROM po_statuses WHERE po_status_id = :s", soci::use(po_status_id),
           soci::into(name);
@@ -225,7 +230,7 @@ bool RefPOLog::WriteLog(const SessionPtr& session, int32_t po_id, const std::str
   return answer("WriteLog", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       log_po(sql, db(), po_id, s.SysUserID(), log_type, description, code);
     });
     return true;

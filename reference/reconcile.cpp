@@ -64,11 +64,11 @@ void RefReconcileItem::SetActualUnitPrice(Currency p) {
 }
 void RefReconcileItem::SetInStockQty(double qty) { store("in_stock_qty", qty); }
 
-void RefReconcileItems::load(int32_t po_id, int32_t line_number) {
+void RefReconcileItems::load(const Session& s, int32_t po_id, int32_t line_number) {
   std::vector<std::shared_ptr<RefReconcileItem>> items;
   db().write([&](soci::session& sql) {
     items.clear();  // a change replayed after a conflict starts over
-    load_order(sql, po_id);
+    load_order(sql, po_id, s);
     ensure_copy(sql, po_id);
     soci::rowset<soci::row> rows =
         (sql.prepare << "SELECT r.line_num, r.supplier_part_num, r.supplier_part_num_ext, "
@@ -93,8 +93,7 @@ void RefReconcileItems::load(int32_t po_id, int32_t line_number) {
 
 bool RefReconcileItems::Load(const SessionPtr& session, int32_t po_id, Variant&) {
   return answer("Load", false, [&] {
-    session_of(session);
-    load(po_id, 0);
+    load(session_of(session), po_id, 0);
     return true;
   });
 }
@@ -110,9 +109,9 @@ std::shared_ptr<business::ReconcileItem> RefReconcileItems::Item(int32_t index) 
 bool RefReconcileOrder::LoadOrder(const SessionPtr& session, int32_t po_id, int32_t line_number,
                                   Variant&) {
   return answer("LoadOrder", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     auto items = std::make_shared<RefReconcileItems>(db_ptr());
-    items->load(po_id, line_number);
+    items->load(s, po_id, line_number);
     items_ = std::move(items);
     po_id_ = po_id;
     return true;
@@ -125,7 +124,7 @@ bool RefReconcileOrder::SaveOrder(const SessionPtr& session, Variant&) {
     if (!items_) refuse(Refusal::kInvalidArgument, "No order is loaded to be saved.");
     // The lines were written as they changed; saving records it on the order.
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id_);
+      const PORow po = load_order(sql, po_id_, s);
       require_changeable(sql, db(), po, s, "reconciling it");
       log_po(sql, db(), po_id_, s.SysUserID(), "Reconcile", "Working copy saved", "");
     });
@@ -136,9 +135,9 @@ bool RefReconcileOrder::SaveOrder(const SessionPtr& session, Variant&) {
 RecordsetPtr RefReconcileOrder::GetOrderItems(const SessionPtr& session, int32_t po_id,
                                               int32_t line_number, Variant&) {
   return answer("GetOrderItems", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().write([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       ensure_copy(sql, po_id);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT r.line_num, r.supplier_part_num, r.description, r.unit_price, "
@@ -163,7 +162,7 @@ bool RefReconcileOrder::AddAlternateItem(const SessionPtr& session, int32_t po_i
     auto list = std::dynamic_pointer_cast<RefPOItems>(items);
     if (!list || list->items.empty()) refuse(Refusal::kNoItems, "No alternative was given.");
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       require_changeable(sql, db(), po, s, "adding an alternative");
       ensure_copy(sql, po_id);
       for (const auto& entry : list->items) {
@@ -199,7 +198,7 @@ bool RefReconcileOrder::UpdateQuantities(const SessionPtr& session, int32_t po_i
       refuse(Refusal::kInvalidArgument, "The line and quantity lists differ in length.");
     }
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       require_changeable(sql, db(), po, s, "changing quantities");
       ensure_copy(sql, po_id);
       for (size_t i = 0; i < lines.size(); ++i) {
@@ -229,7 +228,7 @@ bool RefReconcileOrder::SubmitOrder(const SessionPtr& session, int32_t po_id, Va
   return answer("SubmitOrder", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const PORow po = load_order(sql, po_id);
+      const PORow po = load_order(sql, po_id, s);
       require_changeable(sql, db(), po, s, "submitting its reconciliation");
       ensure_copy(sql, po_id);
       int kept = 0;
@@ -265,11 +264,11 @@ bool RefReconcileOrder::SubmitOrder(const SessionPtr& session, int32_t po_id, Va
 bool RefReconcileOrder::LoadOrderHeader(const SessionPtr& session, int32_t po_id,
                                         const std::string&, Variant&) {
   return answer("LoadOrderHeader", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     auto h = std::make_shared<RefReconcileOrderHeader>();
     long long sub = 0, tax = 0;
     db().write([&](soci::session& sql) {
-      load_order(sql, po_id);
+      load_order(sql, po_id, s);
       ensure_copy(sql, po_id);
       soci::indicator sup_ind = soci::i_ok;
       sql << "SELECT o.supplier_name, o.supplier_id, o.currency_code, "

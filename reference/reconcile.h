@@ -46,7 +46,7 @@ class RefReconcileItems : public business::ReconcileItems, public RefObject {
   int32_t Count() override { return static_cast<int32_t>(items_.size()); }
   std::shared_ptr<business::ReconcileItem> Item(int32_t index) override;
   // Loads line `line_number` (0: all) of the working copy, making it first if needed.
-  void load(int32_t po_id, int32_t line_number);
+  void load(const Session& s, int32_t po_id, int32_t line_number);
 
  private:
   std::vector<std::shared_ptr<RefReconcileItem>> items_;

@@ -11,10 +11,7 @@ namespace kxui::reference {
 
 namespace {
 
-void require_line(soci::session& sql, const ReqRow& req, int32_t line_num, const Session& s) {
-  if (req.borg_id != s.BorgID()) {
-    refuse(Refusal::kNotAllowed, "The requisition belongs to another organisation.");
-  }
+void require_line(soci::session& sql, const ReqRow& req, int32_t line_num) {
   int found = 0;
   sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :r AND line_num = :l",
       soci::use(req.req_id), soci::use(line_num), soci::into(found);
@@ -34,7 +31,7 @@ RecordsetPtr RefReqCostDistribs::GetCostDistribs(const SessionPtr& session, int3
                                           {"Description", Kind::kText, 100},
                                           {"Percentage", Kind::kDouble}};
     return db().read([&](soci::session& sql) {
-      require_line(sql, load_req(sql, req_id), line_num, s);
+      require_line(sql, load_req(sql, req_id, s), line_num);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT d.cost_center_id, c.code, c.name, d.percentage FROM "
                           "req_cost_distribs d JOIN cost_centers c ON c.cost_center_id = "
@@ -68,8 +65,8 @@ bool RefReqCostDistribs::SaveCostDistribs(const SessionPtr& session, int32_t req
       refuse(Refusal::kInvalidArgument, "The shares must add up to 100 percent.");
     }
     return db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
-      require_line(sql, req, line_num, s);
+      const ReqRow req = load_req(sql, req_id, s);
+      require_line(sql, req, line_num);
       require_editable(req, "split a line's cost");
       require_not_locked_by_other(sql, db(), "req_locks", req_id, s);
       sql << "DELETE FROM req_cost_distribs WHERE req_id = :r AND line_num = :l",

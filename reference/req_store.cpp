@@ -29,7 +29,7 @@ const char* name(int32_t status) {
 
 }  // namespace req_status
 
-ReqRow load_req(soci::session& sql, int32_t req_id) {
+ReqRow find_req(soci::session& sql, int32_t req_id) {
   ReqRow r;
   soci::indicator ind = soci::i_ok;
   sql << "SELECT req_id, req_name, status_id, requisitioner_id, borg_id, currency_code "
@@ -38,6 +38,15 @@ ReqRow load_req(soci::session& sql, int32_t req_id) {
       soci::into(r.requisitioner_id), soci::into(r.borg_id), soci::into(r.currency_code);
   if (!sql.got_data()) {
     refuse(Refusal::kNotFound, "Requisition " + std::to_string(req_id) + " does not exist.");
+  }
+  return r;
+}
+
+ReqRow load_req(soci::session& sql, int32_t req_id, const Session& caller) {
+  ReqRow r = find_req(sql, req_id);
+  if (r.borg_id != caller.BorgID()) {
+    refuse(Refusal::kNotAllowed, "Requisition " + std::to_string(req_id) +
+                                     " belongs to another organisation.");
   }
   return r;
 }
@@ -166,7 +175,7 @@ double convert_currency(soci::session& sql, double amount, const std::string& fr
 }
 
 Totals req_totals(soci::session& sql, Database& db, int32_t req_id, const std::string& currency) {
-  const ReqRow req = load_req(sql, req_id);
+  const ReqRow req = find_req(sql, req_id);
   double tax_rate = 0;
   sql << "SELECT tax_rate FROM borgs WHERE borg_id = :b", soci::use(req.borg_id),
       soci::into(tax_rate);

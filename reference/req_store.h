@@ -33,8 +33,13 @@ struct ReqRow {
   std::string currency_code;
 };
 
-// The requisition; refuses with "not found" when there is none.
-ReqRow load_req(soci::session& sql, int32_t req_id);
+// The requisition as `caller` may reach it: refuses with "not found" when there is none
+// and "not allowed" when it is another organisation's. Every operation that takes a
+// requisition's id from a caller loads it this way: an id a page shows is no permission.
+ReqRow load_req(soci::session& sql, int32_t req_id, const Session& caller);
+// The same without the organisation check, for steps inside a change whose requisition
+// was already loaded for its caller.
+ReqRow find_req(soci::session& sql, int32_t req_id);
 // Refuses unless the status allows editing; `action` names what was refused.
 void require_editable(const ReqRow& req, const std::string& action);
 // Refuses unless the session user is the requisitioner.

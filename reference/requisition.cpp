@@ -67,6 +67,8 @@ std::vector<int> status_slots(const std::string& status_list) {
   return slots;
 }
 
+// SubmitDate of a requisition never submitted is its creation date: pages turn every date
+// of a list into text, and an empty one would fail the whole list.
 constexpr Column kListColumns[] = {
     {"ReqID", Kind::kInt},          {"ReqName", Kind::kText, 100},
     {"ReqStatusID", Kind::kInt},    {"RequisitionerName", Kind::kText, 100},
@@ -81,6 +83,7 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
     const Session& s = session_of(session);
     auto header = std::make_shared<RefHeader>();
     db().write([&](soci::session& sql) {
+      load_req(sql, req_id, s);
       std::string create_date;
       sql << "SELECT r.req_id, r.req_name, r.status_id, r.justification, b.name, u.full_name, "
              "r.create_date FROM requisitions r JOIN borgs b ON b.borg_id = r.borg_id "
@@ -89,7 +92,6 @@ bool RefRequisition::Load(const SessionPtr& session, int32_t req_id, bool lock, 
           soci::into(header->status), soci::into(header->justification),
           soci::into(header->borg_name), soci::into(header->requisitioner_name),
           soci::into(create_date);
-      if (!sql.got_data()) load_req(sql, req_id);  // refuses with "does not exist"
       header->create_date = parse_date_text(create_date);
       if (lock) take_lock(sql, db(), kReqLocks, req_id, s);
     });
@@ -117,11 +119,18 @@ struct ListRow {
   }
 };
 
+// What a list is filtered on, held by value: a list read on demand outlives the call.
+// Another user's requisitions are listed only where they belong to the caller's
+// organisation (`caller_borg`); the caller's own, wherever they are.
+struct ListFilter {
+  std::string login, borg;
+  int self = 0, all = 0, caller_borg = 0;
+  std::array<int, kStatusSlots> slots{};
+};
+
 // The list statement, prepared once per sort order, with the variables bound to it.
 struct ListStatement : Database::PreparedState, ListRow {
-  std::string login, borg;
-  int self = 0, all = 0;
-  std::array<int, kStatusSlots> slots{};
+  ListFilter f;
 };
 
 void prepare_list(soci::session& sql, ListStatement& s, const std::string& order) {
@@ -132,27 +141,24 @@ void prepare_list(soci::session& sql, ListStatement& s, const std::string& order
       "FROM requisitions r JOIN users u ON u.sys_user_id = r.requisitioner_id "
       "JOIN borgs b ON b.borg_id = r.borg_id "
       "WHERE ((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2) "
+      "AND (r.requisitioner_id = :self2 OR r.borg_id = :caller_borg) "
       "AND (:borg = '' OR b.name = :borg2) AND (:all = 1 OR r.status_id IN (";
   for (int i = 0; i < kStatusSlots; ++i) query += (i ? ", :s" : ":s") + std::to_string(i);
   query += ")) ORDER BY " + order;
-  prepare_statement(sql, s, query, [&s](soci::statement& st) {
-    st.exchange(soci::use(s.login));
-    st.exchange(soci::use(s.self));
-    st.exchange(soci::use(s.login));
-    st.exchange(soci::use(s.borg));
-    st.exchange(soci::use(s.borg));
-    st.exchange(soci::use(s.all));
-    for (int& slot : s.slots) st.exchange(soci::use(slot));
+  ListFilter& f = s.f;
+  prepare_statement(sql, s, query, [&s, &f](soci::statement& st) {
+    st.exchange(soci::use(f.login));
+    st.exchange(soci::use(f.self));
+    st.exchange(soci::use(f.login));
+    st.exchange(soci::use(f.self));
+    st.exchange(soci::use(f.caller_borg));
+    st.exchange(soci::use(f.borg));
+    st.exchange(soci::use(f.borg));
+    st.exchange(soci::use(f.all));
+    for (int& slot : f.slots) st.exchange(soci::use(slot));
     s.bind_row(st);
   });
 }
-
-// What a list is filtered on, held by value: a list read on demand outlives the call.
-struct ListFilter {
-  std::string login, borg;
-  int self = 0, all = 0;
-  std::array<int, kStatusSlots> slots{};
-};
 
 // One requisitioner's list: the filter on the requisitions alone, with only the
 // conditions the call sets, so that the index on (requisitioner, create date) serves the
@@ -163,9 +169,11 @@ enum class Bound { kNone, kFrom, kUpTo };
 struct Shape {
   bool borg = false;
   bool statuses = false;
+  bool others = false;  // another user's list: only what is in the caller's organisation
   Bound bound = Bound::kNone;
   std::string key() const {
     return std::string(borg ? " borg" : "") + (statuses ? " status" : "") +
+           (others ? " others" : "") +
            (bound == Bound::kFrom ? " from" : bound == Bound::kUpTo ? " upto" : "");
   }
 };
@@ -177,6 +185,7 @@ std::string one_user_filter(const Shape& shape, const std::string& table) {
   if (shape.borg) {
     where += " AND " + table + ".borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
   }
+  if (shape.others) where += " AND " + table + ".borg_id = :caller_borg";
   if (shape.statuses) {
     where += " AND " + table + ".status_id IN (";
     for (int i = 0; i < kStatusSlots; ++i) where += (i ? ", :s" : ":s") + std::to_string(i);
@@ -191,6 +200,7 @@ struct OneUserStatement : Database::PreparedState {
   void bind_filter(soci::statement& st, const Shape& shape) {
     st.exchange(soci::use(uid));
     if (shape.borg) st.exchange(soci::use(filter.borg));
+    if (shape.others) st.exchange(soci::use(filter.caller_borg));
     if (shape.statuses) {
       for (int& slot : filter.slots) st.exchange(soci::use(slot));
     }
@@ -312,7 +322,7 @@ std::optional<Position> find_position(const DatabasePtr& db, const ListFilter& f
 
 RecordsetPtr one_user_list(const DatabasePtr& db, const ListFilter& filter, int uid,
                            const std::string& order) {
-  const Shape shape{!filter.borg.empty(), filter.all == 0, Bound::kNone};
+  const Shape shape{!filter.borg.empty(), filter.all == 0, uid != filter.self, Bound::kNone};
   const bool by_created = order.rfind("r.create_date", 0) == 0;
   const bool descending = order.find(" DESC") != std::string::npos;
   auto count = [db, filter, uid, shape](soci::session&) -> int64_t {
@@ -369,7 +379,7 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
     std::vector<int> slots = status_slots(status_list);
     const int all_statuses = slots.empty() ? 1 : 0;
     slots.resize(kStatusSlots, kUnusedStatus);
-    ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, {}};
+    ListFilter filter{lower(user_name), borg_name, s.SysUserID(), all_statuses, s.BorgID(), {}};
     std::copy(slots.begin(), slots.end(), filter.slots.begin());
     const std::optional<int> one = db().read(
         [&](soci::session& sql) { return single_user(sql, filter.login, filter.self); });
@@ -378,11 +388,7 @@ RecordsetPtr RefRequisition::GetRequisitionList(const SessionPtr& session,
       ListStatement& q = db().prepared<ListStatement>(
           "requisition list " + order,
           [&](soci::session& sql, ListStatement& st) { prepare_list(sql, st, order); });
-      q.login = lower(user_name);
-      q.borg = borg_name;
-      q.self = s.SysUserID();
-      q.all = all_statuses;
-      std::copy(slots.begin(), slots.end(), q.slots.begin());
+      q.f = filter;
       RecordsetPtr rs = make_recordset(kListColumns);
       q.statement->execute(false);
       while (q.statement->fetch()) {
@@ -411,7 +417,7 @@ bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
     if (name.empty()) refuse(Refusal::kInvalidArgument, "A requisition needs a name.");
     require_length(name, 100, "A requisition name");
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "rename");
       require_editable(req, "renamed");
       require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
@@ -426,9 +432,9 @@ bool RefRequisition::UpdateReqName(const SessionPtr& session, int32_t req_id,
 bool RefRequisition::GetReqStatus(const SessionPtr& session, int32_t req_id, int32_t& status_id,
                                   int32_t& number_of_items, Variant&) {
   return answer("GetReqStatus", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     db().read([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       int count = 0;
       sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :id", soci::use(req_id),
           soci::into(count);
@@ -443,9 +449,11 @@ bool RefRequisition::GetReqTotals(const SessionPtr& session, int32_t req_id,
                                   const std::string& currency_code, Currency& sub_total,
                                   Currency& estimated_tax, Currency& total, Variant&) {
   return answer("GetReqTotals", false, [&] {
-    session_of(session);
-    const Totals t =
-        db().read([&](soci::session& sql) { return req_totals(sql, db(), req_id, currency_code); });
+    const Session& s = session_of(session);
+    const Totals t = db().read([&](soci::session& sql) {
+      load_req(sql, req_id, s);
+      return req_totals(sql, db(), req_id, currency_code);
+    });
     sub_total = t.sub_total;
     estimated_tax = t.tax;
     total = t.total;
@@ -460,7 +468,7 @@ bool RefRequisition::Save(const SessionPtr& session, Variant&) {
     // Approvers see the justification in a column of 256 characters.
     require_length(header_->justification, 256, "A justification");
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, header_->req_id);
+      const ReqRow req = load_req(sql, header_->req_id, s);
       require_editable(req, "changed");
       if (!holds_lock(sql, db(), kReqLocks, req.req_id, s)) {
         refuse(Refusal::kLockNotHeld, "Requisition " + std::to_string(req.req_id) +

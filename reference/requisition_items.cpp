@@ -40,7 +40,7 @@ std::shared_ptr<business::RequisitionLineItem> RefRequisition::NewLineItem() {
 
 int32_t RefRequisition::target_requisition(soci::session& sql, const Session& s, int32_t req_id) {
   if (req_id != 0) {
-    const ReqRow req = load_req(sql, req_id);
+    const ReqRow req = load_req(sql, req_id, s);
     require_editable(req, "changed");
     require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
     return req_id;
@@ -162,7 +162,7 @@ bool RefRequisition::CompleteItem(const SessionPtr& session, int32_t req_id, int
   return answer("CompleteItem", false, [&] {
     const Session& s = session_of(session);
     const int32_t form = db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_editable(req, "changed");
       require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
       int special = 0;
@@ -193,7 +193,7 @@ bool RefRequisition::UpdateSpecialRequestItem(const SessionPtr& session, Variant
     const double qty = quantity_of(line);
     check_special_texts(line);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, line.req_id);
+      const ReqRow req = load_req(sql, line.req_id, s);
       require_editable(req, "changed");
       require_not_locked_by_other(sql, db(), kReqLocks, line.req_id, s);
       int special = 0;

@@ -19,7 +19,7 @@ void RefRequisition::LockRequisition(const SessionPtr& session, int32_t req_id, 
   answer("LockRequisition", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       take_lock(sql, db(), kReqLocks, req_id, s);
     });
     return true;
@@ -30,7 +30,7 @@ void RefRequisition::IsLockValid(const SessionPtr& session, int32_t req_id, Vari
   answer("IsLockValid", false, [&] {
     const Session& s = session_of(session);
     db().read([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       if (!holds_lock(sql, db(), kReqLocks, req_id, s)) {
         refuse(Refusal::kLockNotHeld, "This session no longer holds the lock on requisition " +
                                           std::to_string(req_id) + ".");
@@ -53,7 +53,7 @@ bool RefRequisition::SubmitRequisition(const SessionPtr& session, int32_t req_id
   return answer("SubmitRequisition", false, [&] {
     const Session& s = session_of(session);
     const int32_t orders = db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "submit");
       require_editable(req, "submitted");
       require_not_locked_by_other(sql, db(), kReqLocks, req_id, s);
@@ -100,15 +100,8 @@ bool RefRequisition::CopyRequisition(const SessionPtr& session, int32_t req_id,
     require_length(name, 100, "A requisition name");
     int new_id = 0, items = 0, copied = 0;
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
-      int same_borg = 0;
+      load_req(sql, req_id, s);
       const int user = s.SysUserID();
-      sql << "SELECT COUNT(*) FROM users WHERE sys_user_id = :u AND borg_id = :b",
-          soci::use(user), soci::use(req.borg_id), soci::into(same_borg);
-      if (!same_borg) {
-        refuse(Refusal::kNotAllowed, "Requisition " + std::to_string(req_id) +
-                                         " belongs to another organisation.");
-      }
       const std::string now = date_text(db().now());
       sql << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, borg_id, "
              "justification, currency_code, create_date) SELECT :n, :s, :u, borg_id, "
@@ -145,7 +138,7 @@ bool RefRequisition::CancelRequisition(const SessionPtr& session, int32_t req_id
   return answer("CancelRequisition", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "cancel");
       if (!req_status::editable(req.status) && req.status != req_status::kSubmitted) {
         refuse(Refusal::kWrongStatus, "Requisition " + std::to_string(req_id) + " is " +
@@ -166,7 +159,7 @@ bool RefRequisition::DeleteRequisition(const SessionPtr& session, int32_t req_id
   return answer("DeleteRequisition", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "delete");
       if (!req_status::editable(req.status) && req.status != req_status::kCancelled) {
         refuse(Refusal::kWrongStatus, "Requisition " + std::to_string(req_id) + " is " +
@@ -189,7 +182,7 @@ bool RefRequisition::MarkAsTemplate(const SessionPtr& session, int32_t req_id,
              "Template type " + std::to_string(template_type) + " is not known.");
     }
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "make a template of");
       require_editable(req, "made a template");
       sql << "UPDATE requisitions SET template_type = :t WHERE req_id = :r",

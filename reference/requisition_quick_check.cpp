@@ -40,7 +40,7 @@ std::vector<business::Requisition::QuickCheckLine> RefRequisition::QuickCheckLin
 std::string RefRequisition::ReqCurrencyCode() {
   return answer("ReqCurrencyCode", std::string(), [&] {
     if (!header_) refuse(Refusal::kInvalidArgument, "No requisition is loaded.");
-    return db().read([&](soci::session& sql) { return load_req(sql, header_->req_id).currency_code; });
+    return db().read([&](soci::session& sql) { return find_req(sql, header_->req_id).currency_code; });
   });
 }
 

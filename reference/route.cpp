@@ -41,7 +41,7 @@ std::vector<int32_t> approval_chain(soci::session& sql, int32_t approver_id, Cur
 namespace {
 
 Currency borg_total(soci::session& sql, Database& db, int32_t req_id) {
-  const ReqRow req = load_req(sql, req_id);
+  const ReqRow req = find_req(sql, req_id);
   std::string currency;
   sql << "SELECT currency_code FROM borgs WHERE borg_id = :b", soci::use(req.borg_id),
       soci::into(currency);
@@ -73,7 +73,7 @@ void insert_steps(soci::session& sql, int32_t req_id, const std::vector<int32_t>
 }
 
 int32_t build_route(soci::session& sql, Database& db, int32_t req_id, bool preview) {
-  const ReqRow req = load_req(sql, req_id);
+  const ReqRow req = find_req(sql, req_id);
   int manager = 0;
   soci::indicator ind = soci::i_ok;
   sql << "SELECT manager_id FROM users WHERE sys_user_id = :u", soci::use(req.requisitioner_id),
@@ -104,7 +104,7 @@ int32_t start_route(soci::session& sql, Database& db, int32_t req_id) {
   if (stage == 0) {
     sql << "UPDATE requisitions SET status_id = :s WHERE req_id = :r",
         soci::use(req_status::kApproved), soci::use(req_id);
-    const ReqRow req = load_req(sql, req_id);
+    const ReqRow req = find_req(sql, req_id);
     log_req(sql, db, req_id, req.requisitioner_id, "Approved", "");
     return create_orders(sql, db, req_id);
   }

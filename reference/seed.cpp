@@ -413,12 +413,14 @@ struct Seeder {
       long long price = 0;
       double qty = 1;
       std::string name, created, num, uom, desc;
+      // An open requisition was never submitted: it has no submit date.
+      soci::indicator submitted = soci::i_ok;
       soci::statement header =
           (sql.prepare << "INSERT INTO requisitions (req_name, status_id, requisitioner_id, "
                           "borg_id, currency_code, create_date, submit_date) VALUES (:n, :s, :u, "
                           ":b, 'USD', :d, :d2) RETURNING req_id",
            soci::use(name), soci::use(status), soci::use(user), soci::use(borg),
-           soci::use(created), soci::use(created), soci::into(req_id));
+           soci::use(created), soci::use(created, submitted), soci::into(req_id));
       soci::statement line =
           (sql.prepare << "INSERT INTO req_lines (req_id, line_num, part_id, supplier_id, "
                           "supplier_part_num, qty, uom_id, unit_price, currency_code, part_desc, "
@@ -431,6 +433,7 @@ struct Seeder {
         name = "Bench requisition " + std::to_string(i + 1);
         status = statuses[i % 6];
         created = date_text(Date::from_seconds(start + int64_t{i} * 60));
+        submitted = status == req_status::kOpen ? soci::i_null : soci::i_ok;
         header.execute(true);
         const int32_t p = parts[i % parts.size()];
         sql << "SELECT part_id, supplier_id, supplier_part_num, uom_id, unit_price, description "

@@ -45,6 +45,35 @@ TEST(Seed, SmallDataSetCoversEveryStatus) {
   EXPECT_EQ(locales, 3);
   EXPECT_EQ(bench, 12);
   EXPECT_EQ(VerifyPassword(*db, "u2_3", "u2_3-pw").has_value(), true);
+
+  // A submit date is the date of a submission: none on a requisition never submitted, one
+  // on every requisition that was, the bulk-written benchmark rows included.
+  struct DateRule {
+    const char* what;
+    const char* query;  // counts what breaks the rule
+  } rules[] = {
+      {"open requisitions have no submit date",
+       "SELECT COUNT(*) FROM requisitions WHERE status_id IN (-1, 1) AND submit_date IS NOT NULL"},
+      {"requisitions logged without a submission have no submit date",
+       "SELECT COUNT(*) FROM requisitions r WHERE r.submit_date IS NOT NULL AND EXISTS (SELECT 1 "
+       "FROM req_log g WHERE g.req_id = r.req_id) AND NOT EXISTS (SELECT 1 FROM req_log g WHERE "
+       "g.req_id = r.req_id AND g.action = 'Submitted')"},
+      {"waiting, rejected, withdrawn and approved requisitions have one",
+       "SELECT COUNT(*) FROM requisitions WHERE status_id IN (2, 3, 4, 5) AND submit_date IS NULL"},
+  };
+  for (const DateRule& rule : rules) {
+    SCOPED_TRACE(rule.what);
+    int broken = -1;
+    db->read([&](soci::session& sql) { sql << rule.query, soci::into(broken); });
+    EXPECT_EQ(broken, 0);
+  }
+  int open_bench = 0;
+  db->read([&](soci::session& sql) {
+    sql << "SELECT COUNT(*) FROM requisitions r JOIN users u ON u.sys_user_id = "
+           "r.requisitioner_id WHERE u.login_id = 'bench' AND r.status_id = 1",
+        soci::into(open_bench);
+  });
+  EXPECT_GT(open_bench, 0) << "the rule above is checked on benchmark rows too";
   try {
     Seed(*db, options);
     ADD_FAILURE() << "seeded twice";

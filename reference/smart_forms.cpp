@@ -3,6 +3,7 @@
 #include <map>
 
 #include "reference/errors.h"
+#include "reference/purchase_order.h"
 #include "reference/req_store.h"
 #include "reference/rows.h"
 
@@ -68,12 +69,17 @@ RecordsetPtr RefSFormReqItem::GetFormDescription(const SessionPtr& session, int3
   });
 }
 
-RecordsetPtr RefSFormReqItem::values(int kind, int32_t owner_id, int32_t line_num,
-                                     int32_t smart_form_id) {
+RecordsetPtr RefSFormReqItem::values(const Session& s, int kind, int32_t owner_id,
+                                     int32_t line_num, int32_t smart_form_id) {
   static constexpr Column kColumns[] = {{"FieldName", Kind::kText, 50},
                                         {"Label", Kind::kText, 100},
                                         {"Value", Kind::kText, 2000}};
   return db().read([&](soci::session& sql) {
+    if (kind == kReqLine) {
+      load_req(sql, owner_id, s);
+    } else {
+      load_order(sql, owner_id, s);
+    }
     form_fields(sql, smart_form_id);
     // Every field of the form, Null where the line holds no value.
     soci::rowset<soci::row> rows =
@@ -91,8 +97,7 @@ RecordsetPtr RefSFormReqItem::GetReqLineValues(const SessionPtr& session, int32_
                                                int32_t line_num, int32_t smart_form_id,
                                                Variant&) {
   return answer("GetReqLineValues", RecordsetPtr(), [&] {
-    session_of(session);
-    return values(kReqLine, req_id, line_num, smart_form_id);
+    return values(session_of(session), kReqLine, req_id, line_num, smart_form_id);
   });
 }
 
@@ -100,8 +105,7 @@ RecordsetPtr RefSFormReqItem::GetPOLineValues(const SessionPtr& session, int32_t
                                               int32_t line_num, int32_t smart_form_id,
                                               Variant&) {
   return answer("GetPOLineValues", RecordsetPtr(), [&] {
-    session_of(session);
-    return values(kPOLine, po_id, line_num, smart_form_id);
+    return values(session_of(session), kPOLine, po_id, line_num, smart_form_id);
   });
 }
 
@@ -115,13 +119,14 @@ void RefSFormReqItem::save(const Session& s, int kind, int32_t owner_id, int32_t
   db().write([&](soci::session& sql) {
     int found = 0;
     if (kind == kReqLine) {
-      const ReqRow req = load_req(sql, owner_id);
+      const ReqRow req = load_req(sql, owner_id, s);
       require_editable(req, "change a line's form");
       require_not_locked_by_other(sql, db(), "req_locks", owner_id, s);
       sql << "SELECT COUNT(*) FROM req_lines WHERE req_id = :r AND line_num = :l AND "
              "smart_form_id = :f",
           soci::use(owner_id), soci::use(line_num), soci::use(smart_form_id), soci::into(found);
     } else {
+      load_order(sql, owner_id, s);
       sql << "SELECT COUNT(*) FROM po_lines WHERE po_id = :p AND line_num = :l",
           soci::use(owner_id), soci::use(line_num), soci::into(found);
     }

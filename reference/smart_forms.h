@@ -26,7 +26,8 @@ class RefSFormReqItem : public business::SFormReqItem, public RefObject {
                         Variant& custom_data) override;
 
  private:
-  RecordsetPtr values(int kind, int32_t owner_id, int32_t line_num, int32_t smart_form_id);
+  RecordsetPtr values(const Session& s, int kind, int32_t owner_id, int32_t line_num,
+                      int32_t smart_form_id);
   void save(const Session& s, int kind, int32_t owner_id, int32_t line_num,
             int32_t smart_form_id, const Variant& names, const Variant& values);
 };

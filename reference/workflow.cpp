@@ -47,6 +47,17 @@ void require_member(soci::session& sql, int32_t user_id, int32_t borg_id) {
   }
 }
 
+// Approvers and reviewers come from the requisition's own organisation: only its members
+// may open it, so anyone else would be handed a step they could never act on.
+void require_colleague(soci::session& sql, const ReqRow& req, int32_t user_id, int32_t borg_id) {
+  if (borg_id != req.borg_id) {
+    refuse(Refusal::kNotAllowed, "Requisition " + std::to_string(req.req_id) +
+                                     " takes approvers and reviewers from its own organisation "
+                                     "only.");
+  }
+  require_member(sql, user_id, borg_id);
+}
+
 // After steps were inserted before the current stage, the earliest stage with open steps
 // is the one with its approvers; later pending steps wait again.
 void restart_current_stage(soci::session& sql, Database& db, int32_t req_id) {
@@ -79,9 +90,9 @@ bool RefWorkflow::add_approvers(const char* member, const SessionPtr& session, i
   return answer(member, false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_route_open(req);
-      require_member(sql, approver_id, approver_borg_id);
+      require_colleague(sql, req, approver_id, approver_borg_id);
       int last = 0;
       sql << "SELECT COALESCE(MAX(stage), 0) FROM approval_steps WHERE req_id = :r",
           soci::use(req_id), soci::into(last);
@@ -158,9 +169,9 @@ bool RefWorkflow::AddReviewer(const SessionPtr& session, int32_t req_id, int32_t
   return answer("AddReviewer", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_route_open(req);
-      require_member(sql, reviewer_id, reviewer_borg_id);
+      require_colleague(sql, req, reviewer_id, reviewer_borg_id);
       int already = 0;
       sql << "SELECT COUNT(*) FROM reviewers WHERE req_id = :r AND reviewer_id = :v",
           soci::use(req_id), soci::use(reviewer_id), soci::into(already);
@@ -188,7 +199,7 @@ bool RefWorkflow::AddComments(const SessionPtr& session, int32_t req_id,
     if (comments.empty()) refuse(Refusal::kInvalidArgument, "There is no comment to add.");
     require_length(comments, 2000, "A comment");
     db().write([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       const int user = s.SysUserID();
       const std::string now = date_text(db().now());
       // A reviewer's comment is also the review.
@@ -207,7 +218,7 @@ bool RefWorkflow::act(const char* member, const SessionPtr& session, int32_t req
     const Session& s = session_of(session);
     require_length(comments, 2000, "A comment");
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       const std::string verb = approve ? "approved" : "rejected";
       if (req.status != req_status::kSubmitted) {
         refuse(Refusal::kWrongStatus, "Requisition " + std::to_string(req_id) + " is " +
@@ -270,7 +281,7 @@ bool RefWorkflow::Cancel(const SessionPtr& session, int32_t req_id, Variant&) {
   return answer("Cancel", false, [&] {
     const Session& s = session_of(session);
     db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       require_requisitioner(req, s, "withdraw");
       if (req.status != req_status::kSubmitted) {
         refuse(Refusal::kWrongStatus, "Requisition " + std::to_string(req_id) + " is " +
@@ -289,9 +300,9 @@ bool RefWorkflow::Cancel(const SessionPtr& session, int32_t req_id, Variant&) {
 bool RefWorkflow::BuildApprovalProcess(const SessionPtr& session, int32_t req_id, bool preview,
                                        int16_t& approvals_count, Variant&) {
   return answer("BuildApprovalProcess", false, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     const int32_t count = db().write([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       if (!preview) require_editable(req, "given a new approval route");
       return build_route(sql, db(), req_id, preview);
     });
@@ -302,9 +313,9 @@ bool RefWorkflow::BuildApprovalProcess(const SessionPtr& session, int32_t req_id
 
 int32_t RefWorkflow::GetApprovalCount(const SessionPtr& session, int32_t req_id, Variant&) {
   return answer("GetApprovalCount", 0, [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     return db().read([&](soci::session& sql) {
-      load_req(sql, req_id);
+      load_req(sql, req_id, s);
       int count = 0;
       sql << "SELECT COUNT(*) FROM approval_steps WHERE req_id = :r AND status_id <> :c",
           soci::use(req_id), soci::use(step_status::kCancelled), soci::into(count);
@@ -317,7 +328,7 @@ RecordsetPtr RefWorkflow::GetApproverSearchResults(const SessionPtr& session, in
                                                    const std::string& search_name,
                                                    const std::string& search_login, Variant&) {
   return answer("GetApproverSearchResults", RecordsetPtr(), [&] {
-    session_of(session);
+    const Session& s = session_of(session);
     static constexpr Column kColumns[] = {{"SysUserID", Kind::kInt},
                                           {"BorgID", Kind::kInt},
                                           {"FullName", Kind::kText, 100},
@@ -325,7 +336,7 @@ RecordsetPtr RefWorkflow::GetApproverSearchResults(const SessionPtr& session, in
                                           {"BorgName", Kind::kText, 100}};
     const std::string name = "%" + search_name + "%", login = "%" + search_login + "%";
     return db().read([&](soci::session& sql) {
-      const ReqRow req = load_req(sql, req_id);
+      const ReqRow req = load_req(sql, req_id, s);
       soci::rowset<soci::row> rows =
           (sql.prepare << "SELECT u.sys_user_id, u.borg_id, u.full_name, u.login_id, b.name "
                           "FROM users u JOIN borgs b ON b.borg_id = u.borg_id WHERE "

@@ -40,6 +40,7 @@ fresh_database() {
 # Starts a portal on a free port; sets pid and addr.
 start_portal() {
   log=$dir/portal$1.log
+  : >"$log"  # there before the background portal opens it, so it can be read at once
   "$build/apps/portal/kxportal" --db "$url" --port 0 --threads $((users + 4)) >"$log" 2>&1 &
   pid=$!
   pids="$pids $pid"

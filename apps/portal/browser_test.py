@@ -192,6 +192,20 @@ def main():
               "exactly one receipt stored")
         shot("receipts")
 
+        # Reports: parameters and columns under the labels people read.
+        go("/reports")
+        check("From" in [e.text for e in driver.find_elements(By.TAG_NAME, "label")],
+              "report parameters have readable labels")
+        shot("reports")
+        form = driver.find_element(By.XPATH, "//form[@action='/report/1']")
+        submit(form.find_element(By.XPATH, ".//button[text()='Show']"))
+        headings = [e.text for e in driver.find_elements(By.TAG_NAME, "th")]
+        check("Requisition name" in headings and "ReqID" not in headings,
+              "report headings are readable: %s" % ", ".join(headings))
+        check(len(driver.find_elements(By.XPATH, "//a[text()='Download CSV']")) == 1,
+              "the shown report links its file")
+        shot("report")
+
         # German: formats everywhere.
         go("/prefs")
         driver.find_element(By.XPATH, "//select[@name='locale']/option[@value='1031']").click()

@@ -2,6 +2,7 @@
 
 #include "reference/html_text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
@@ -61,6 +62,8 @@ const char* req_status_name(int32_t status) {
   }
 }
 
+bool req_was_submitted(int32_t status) { return status != 1 && status != -1; }
+
 std::string badge(std::string_view status) {
   std::string css;
   for (char c : status) {
@@ -83,6 +86,10 @@ std::string table(Recordset& rs, const std::vector<Column>& columns, std::string
   for (rs.MoveFirst(); !rs.IsEOF(); rs.MoveNext()) {
     out += "<tr>";
     for (const Column& c : columns) {
+      if (c.shown_if && !c.shown_if(rs)) {
+        out += c.kind == Column::kNumber ? "<td class=\"num\"></td>" : "<td></td>";
+        continue;
+      }
       const std::string value = field(rs, c.source);
       switch (c.kind) {
         case Column::kText: out += "<td>" + esc(value) + "</td>"; break;
@@ -99,6 +106,127 @@ std::string table(Recordset& rs, const std::vector<Column>& columns, std::string
                  esc(value.empty() ? "(unnamed)" : value) + "</a></td>";
           break;
       }
+    }
+    out += "</tr>";
+  }
+  return out + "</tbody></table>";
+}
+
+namespace {
+
+// Headings of the columns and parameters the reports carry.
+constexpr std::pair<std::string_view, std::string_view> kHeadings[] = {
+    {"ApprovalLimit", "Approval limit"}, {"BorgID", "Organisation"},
+    {"BorgName", "Organisation"},        {"CreateDate", "Created"},
+    {"CurrencyCode", "Currency"},        {"DelegateName", "Delegate"},
+    {"FromDate", "From"},                {"LineCount", "Lines"},
+    {"LineNum", "Line"},                 {"LoginID", "Sign-in name"},
+    {"ManagerName", "Manager"},          {"OrderCount", "Orders"},
+    {"OrderedQty", "Ordered"},           {"POID", "Order"},
+    {"PackingSlipQty", "Packing slip"},  {"ReceiptID", "Receipt"},
+    {"ReceiveDate", "Received on"},      {"ReceivedBy", "Received by"},
+    {"ReceivedQty", "Received"},         {"ReceivedTotal", "Received total"},
+    {"ReqID", "Requisition"},            {"ReqName", "Requisition name"},
+    {"SpendingLimit", "Spending limit"}, {"StatusID", "Status"},
+    {"SubmitDate", "Submitted"},         {"SupplierName", "Supplier"},
+    {"ToDate", "To"},                    {"UserName", "User"}};
+
+bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
+bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
+
+}  // namespace
+
+std::string readable_heading(std::string_view column) {
+  constexpr std::string_view kDisplay = "UIDisplay_";
+  if (column.substr(0, kDisplay.size()) == kDisplay) column.remove_prefix(kDisplay.size());
+  for (const auto& [name, heading] : kHeadings) {
+    if (name == column) return std::string(heading);
+  }
+  // Words at underscores and at each change from lower case to upper case; a word in
+  // capitals (an abbreviation such as ID) keeps them, the others are lower case after
+  // the first.
+  std::vector<std::string> words(1);
+  for (size_t i = 0; i < column.size(); ++i) {
+    const char c = column[i];
+    if (c == '_' || c == ' ') {
+      if (!words.back().empty()) words.emplace_back();
+      continue;
+    }
+    const bool starts = is_upper(c) && !words.back().empty() &&
+                        (is_lower(words.back().back()) ||
+                         (i + 1 < column.size() && is_lower(column[i + 1])));
+    if (starts) words.emplace_back();
+    words.back() += c;
+  }
+  std::string out;
+  for (std::string& word : words) {
+    if (word.empty()) continue;
+    const bool abbreviation = word.size() > 1 && std::all_of(word.begin(), word.end(), [](char c) {
+                                return is_upper(c) || (c >= '0' && c <= '9');
+                              });
+    const bool id = word == "id";
+    if (id) word = "ID";
+    if (!abbreviation && !id) {
+      for (char& c : word) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (out.empty()) word[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(word[0])));
+    }
+    out += (out.empty() ? "" : " ") + word;
+  }
+  return out.empty() ? std::string(column) : out;
+}
+
+std::vector<std::vector<std::string>> csv_rows(std::string_view text) {
+  std::vector<std::vector<std::string>> rows;
+  std::vector<std::string> row;
+  std::string field;
+  bool quoted = false, any = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quoted) {
+      if (c != '"') {
+        field += c;
+      } else if (i + 1 < text.size() && text[i + 1] == '"') {
+        field += '"';
+        ++i;
+      } else {
+        quoted = false;
+      }
+      continue;
+    }
+    any = true;
+    if (c == '"') {
+      quoted = true;
+    } else if (c == ',') {
+      row.push_back(std::move(field));
+      field.clear();
+    } else if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+      continue;
+    } else if (c == '\n') {
+      row.push_back(std::move(field));
+      field.clear();
+      rows.push_back(std::move(row));
+      row.clear();
+      any = false;
+    } else {
+      field += c;
+    }
+  }
+  if (any || quoted || !row.empty() || !field.empty()) {
+    row.push_back(std::move(field));
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+std::string text_table(const std::vector<std::vector<std::string>>& rows, std::string_view empty) {
+  if (rows.size() < 2) return "<p class=\"empty\">" + esc(empty) + "</p>";
+  std::string out = "<table><thead><tr>";
+  for (const std::string& name : rows[0]) out += "<th>" + esc(readable_heading(name)) + "</th>";
+  out += "</tr></thead><tbody>";
+  for (size_t r = 1; r < rows.size(); ++r) {
+    out += "<tr>";
+    for (size_t i = 0; i < rows[0].size(); ++i) {
+      out += "<td>" + esc(i < rows[r].size() ? rows[r][i] : "") + "</td>";
     }
     out += "</tr>";
   }

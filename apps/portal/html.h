@@ -3,6 +3,7 @@
 // library builds from the portal's own reference data (see raw()).
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -36,9 +37,25 @@ struct Column {
   Kind kind;
   std::string link;    // for kLink: a prefix the row's `link_key` value is appended to
   std::string link_key;
+  // When set, a row's cell is left empty unless this holds for the row.
+  std::function<bool(const kxui::Recordset&)> shown_if;
   std::string heading_link;  // when set, the heading is a link (a sort control)
   std::string heading_mark;  // shown after the heading, e.g. the current sort direction
 };
+
+// The heading people read for a record set column or report parameter: the portal's own
+// label for a known name, otherwise the name in words ("UIDisplay_SubmitDate" -> "Submit
+// date", "req_id" -> "Req ID"). Not escaped: pass it through esc() like any text.
+std::string readable_heading(std::string_view column);
+
+// The rows of a report file (comma-separated, fields with a comma, quote or line break in
+// quotes with their quotes doubled, "\r\n" or "\n" line ends); the first is its header.
+std::vector<std::vector<std::string>> csv_rows(std::string_view text);
+
+// A table of rows whose first is the header, its headings made readable; `empty` when
+// there is no row below the header.
+std::string text_table(const std::vector<std::vector<std::string>>& rows,
+                       std::string_view empty = "Nothing to show.");
 
 // A table of every row of `rs` (from its first), or `empty` when it has none.
 std::string table(kxui::Recordset& rs, const std::vector<Column>& columns,
@@ -46,6 +63,9 @@ std::string table(kxui::Recordset& rs, const std::vector<Column>& columns,
 
 // The display name of a requisition status.
 const char* req_status_name(int32_t status);
+// Whether a requisition in `status` was ever submitted: an open one never was, and the
+// list then carries its creation date where the submit date would be.
+bool req_was_submitted(int32_t status);
 
 // A status badge: the class follows the status name so colours stay consistent.
 std::string badge(std::string_view status);

@@ -1,6 +1,6 @@
 // kxportal: serves the procurement portal over a reference database.
 //
-//   kxportal --db FILE [--host 127.0.0.1] [--port 8080] [--threads N]
+//   kxportal --db FILE [--host 127.0.0.1] [--port 8080] [--threads N] [--connections N]
 //
 // Prints "listening on http://HOST:PORT" once it accepts connections (with --port 0 the
 // port the system chose), and stops cleanly on SIGINT or SIGTERM.
@@ -21,7 +21,8 @@ void stop(int) {
 }
 
 int usage() {
-  std::cerr << "usage: kxportal --db <file or url> [--host H] [--port P] [--threads N]\n";
+  std::cerr << "usage: kxportal --db <file or url> [--host H] [--port P] [--threads N] "
+               "[--connections N]\n";
   return 2;
 }
 
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
       else if (arg == "--host") config.host = value;
       else if (arg == "--port") config.port = std::stoi(value);
       else if (arg == "--threads") config.threads = std::stoi(value);
+      else if (arg == "--connections") config.connections = std::stoi(value);
       else return usage();
     } catch (const std::exception&) {
       return usage();

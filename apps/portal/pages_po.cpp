@@ -38,17 +38,6 @@ void po_list(Ctx& c) {
   c.render("Purchase orders", body);
 }
 
-// A refused file operation: someone else's document is forbidden, a missing one not found.
-template <class F>
-int attach_status(F& facade, int otherwise) {
-  using kxui::reference::Refusal;
-  auto e = facade.Error();
-  const int32_t number = e ? e->Number() : 0;
-  if (number == kxui::reference::error_number(Refusal::kNotAllowed)) return 403;
-  if (number == kxui::reference::error_number(Refusal::kNotFound)) return 404;
-  return otherwise;
-}
-
 }  // namespace
 
 // The files of an owner (1 requisition, 3 order) with download, delete and upload.
@@ -87,7 +76,7 @@ void po_page(Ctx& c, const std::string& error = "", int status = 200) {
   Variant number, borg, supplier, receive_status;
   if (!po->GetPOHeaderInfo(s, id, number, borg, supplier, receive_status)) {
     return c.render("Purchase order", "<p><a href=\"/pos\">Back to the list</a></p>", "",
-                    failure_text(*po), 404);
+                    failure_text(*po), refusal_status(*po, 404));
   }
   const std::string base = "/po/" + std::to_string(id);
   Variant name, submitter, created, cost, justification, currency;
@@ -156,7 +145,9 @@ void reconcile_page(Ctx& c, const std::string& error = "", int status = 200) {
   const std::string base = "/po/" + std::to_string(id);
   std::string body = "<p><a href=\"" + base + "\">Back to the order</a></p>";
   RecordsetPtr header = recon->GetRecPOHeader(c.session(), id);
-  if (!header) return c.render("Reconcile", body, "", failure_text(*recon), 422);
+  if (!header) {
+    return c.render("Reconcile", body, "", failure_text(*recon), refusal_status(*recon, 422));
+  }
   header->MoveFirst();
   body += "<div class=\"card\"><p>" + esc(field(*header, "PONum")) + " · " +
           esc(field(*header, "Supplier")) + "</p><p>Subtotal " + esc(field(*header, "SubTotal")) +
@@ -232,7 +223,7 @@ void Portal::mount_orders(httplib::Server& s) {
     Variant name, content;
     if (!attach->GetAttachment(c.session(), c.path_int(1), c.path_int(2), 0, c.path_int(3), name,
                                content)) {
-      return c.render("Attachment", "", "", failure_text(*attach), attach_status(*attach, 404));
+      return c.render("Attachment", "", "", failure_text(*attach), refusal_status(*attach, 404));
     }
     // Always a download: a stored file never renders as a page of this site.
     std::string file = text_of(name);
@@ -253,7 +244,7 @@ void Portal::mount_orders(httplib::Server& s) {
       return c.redirect(back, "File attached.");
     }
     c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
-             attach_status(*attach, 422));
+             refusal_status(*attach, 422));
   });
   post(s, R"(/attach/([13])/(\d+)/(\d+)/delete)", [](Ctx& c) {
     auto attach = c.hub().Attach();
@@ -263,7 +254,7 @@ void Portal::mount_orders(httplib::Server& s) {
       return c.redirect(back, "File removed.");
     }
     c.render("Attachment", "<p><a href=\"" + back + "\">Back</a></p>", "", failure_text(*attach),
-             attach_status(*attach, 422));
+             refusal_status(*attach, 422));
   });
 
   get(s, "/reports", [](Ctx& c) {
@@ -280,11 +271,14 @@ void Portal::mount_orders(httplib::Server& s) {
       if (params && params->RecordCount() > 0) {
         for (params->MoveFirst(); !params->IsEOF(); params->MoveNext()) {
           const std::string p = field(*params, "ParamName");
-          body += "<div class=\"row\"><label>" + esc(p) + "</label><input name=\"p_" + esc(p) +
-                  "\" value=\"" + esc(field(*params, "DefaultValue")) + "\"></div>";
+          const std::string box = "r" + id + "-" + p;
+          body += "<div class=\"row\"><label for=\"" + esc(box) + "\">" +
+                  esc(readable_heading(p)) + "</label><input id=\"" + esc(box) + "\" name=\"p_" +
+                  esc(p) + "\" value=\"" + esc(field(*params, "DefaultValue")) + "\"></div>";
         }
       }
-      body += "<button>Download CSV</button></form>";
+      body += "<button name=\"show\" value=\"1\">Show</button> "
+              "<button class=\"secondary\">Download CSV</button></form>";
     }
     c.render("Reports", body + pager(*list, "/reports?"));
   });
@@ -302,6 +296,18 @@ void Portal::mount_orders(httplib::Server& s) {
     if (!report->GenerateReport(c.session(), id, args, "CSV", name, file)) {
       return c.render("Report", "<p><a href=\"/reports\">Back to the reports</a></p>", "",
                       failure_text(*report), 422);
+    }
+    if (c.param("show") == "1") {
+      // The same file as a page: the link below downloads what the table shows.
+      std::string download = "/report/" + std::to_string(id) + "?";
+      for (const auto& [key, value] : c.req.params) {
+        if (key != "show") download += url_encode(key) + "=" + url_encode(value) + "&";
+      }
+      download.pop_back();
+      return c.render("Report",
+                      "<p><a href=\"/reports\">Back to the reports</a> · <a href=\"" +
+                          esc(download) + "\">Download CSV</a></p>" +
+                          text_table(csv_rows(text_of(file)), "The report has no rows."));
     }
     std::string file_name = text_of(name);
     for (char& ch : file_name) {

@@ -83,7 +83,8 @@ bool load_form(Ctx& c, FormState& f, bool all) {
   f.header = rcv->GetReceiptHdr(c.session(), c.path_int(1));
   if (f.header) f.lines = rcv->GetReceiptItems(c.session(), c.path_int(1), all);
   if (f.header && f.lines) return true;
-  c.render("Receive", "<p><a href=\"/receiving\">Back to receiving</a></p>", "", failure_text(*rcv), 404);
+  c.render("Receive", "<p><a href=\"/receiving\">Back to receiving</a></p>", "", failure_text(*rcv),
+           refusal_status(*rcv, 404));
   return false;
 }
 
@@ -136,7 +137,9 @@ void receipts_page(Ctx& c) {
   auto rcv = c.hub().Rcv();
   const int32_t id = c.path_int(1);
   RecordsetPtr list = rcv->GetReceiptHdrListRs(c.session(), id);
-  if (!list) return c.render("Receipts", "", "", failure_text(*rcv), 404);
+  if (!list) {
+    return c.render("Receipts", "", "", failure_text(*rcv), refusal_status(*rcv, 404));
+  }
   std::string body = "<p><a href=\"/receive/" + std::to_string(id) + "\">Record another receipt</a>"
                      " · <a href=\"/po/" + std::to_string(id) + "\">The order</a></p>";
   if (list->RecordCount() == 0) body += "<p class=\"empty\">Nothing received yet.</p>";

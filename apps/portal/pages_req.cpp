@@ -56,6 +56,11 @@ void list_page(Ctx& c) {
                                  {"Submitted", "UIDisplay_SubmitDate"},
                                  {"Items", "NumberOfItems", Column::kNumber}};
   for (Column& col : columns) {
+    if (col.source == "UIDisplay_SubmitDate") {
+      col.shown_if = [](const kxui::Recordset& row) {
+        return req_was_submitted(field_int(row, "ReqStatusID"));
+      };
+    }
     for (const SortableColumn& k : kSortable) {
       if (col.source != k.source) continue;
       const bool up = sort == k.ascending, down = sort == k.descending;
@@ -87,7 +92,7 @@ void req_page(Ctx& c, const std::string& error = "", int status = 200) {
   Variant status_id, items, editable_v, sub, tax, total;
   if (!req->GetReqStatus(session, id, status_id, items, editable_v)) {
     return c.render("Requisition", "<p><a href=\"/reqs\">Back to the list</a></p>", "",
-                    failure_text(*req), 404);
+                    failure_text(*req), refusal_status(*req, 404));
   }
   const bool editable = editable_v.to_bool();
   const int32_t st = status_id.try_to_int32().value_or(0);

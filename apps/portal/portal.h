@@ -17,6 +17,7 @@
 #include "kxui/frame/session.h"
 #include "kxui/session/ui_session.h"
 #include "reference/database.h"
+#include "reference/errors.h"
 
 namespace portal {
 
@@ -73,6 +74,19 @@ std::string failure_text(F& facade) {
   std::string d = e->Description();
   if (d.empty()) d = "The operation failed.";
   return d + " (error " + error_number_text(e->Number()) + ")";
+}
+
+// The HTTP status of a refused operation: another organisation's document is forbidden,
+// a missing one not found, anything else `otherwise`.
+template <class F>
+int refusal_status(F& facade, int otherwise) {
+  using kxui::reference::Refusal;
+  using kxui::reference::error_number;
+  auto e = facade.Error();
+  const int32_t number = e ? e->Number() : 0;
+  if (number == error_number(Refusal::kNotAllowed)) return 403;
+  if (number == error_number(Refusal::kNotFound)) return 404;
+  return otherwise;
 }
 
 class Portal {

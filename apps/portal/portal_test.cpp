@@ -8,6 +8,7 @@
 
 #include "apps/portal/server.h"
 #include "reference/seed.h"
+#include "reference/test_fixture.h"
 
 namespace portal {
 namespace {
@@ -445,6 +446,44 @@ TEST_F(PortalTest, RequisitionHeadingsAreTheSortControls) {
   EXPECT_LT(low, high) << "the heading's second click reverses the order";
 }
 
+// The list's "Submitted" cell of a requisition never submitted is empty: the list itself
+// carries the creation date there.
+TEST_F(PortalTest, OnlySubmittedRequisitionsShowASubmitDate) {
+  auto me = sign_in("u1_5");
+  auto c = client();
+  // The cells of every body row, as text.
+  auto rows = [](const std::string& html) {
+    std::vector<std::vector<std::string>> out;
+    const std::string body = html.substr(html.find("<tbody>"));
+    const std::regex row("<tr>(.*?)</tr>"), cell("<td[^>]*>(.*?)</td>");
+    for (std::sregex_iterator r(body.begin(), body.end(), row), end; r != end; ++r) {
+      const std::string cells = (*r)[1].str();
+      out.emplace_back();
+      for (std::sregex_iterator d(cells.begin(), cells.end(), cell); d != end; ++d) {
+        out.back().push_back((*d)[1].str());
+      }
+    }
+    return out;
+  };
+  struct Case {
+    const char* status;
+    bool dated;
+  } cases[] = {{"1", false}, {"2", true}};
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.status);
+    auto page = c.Get(std::string("/reqs?status=") + k.status, me.headers);
+    ASSERT_EQ(page->status, 200);
+    ASSERT_THAT(page->body, HasSubstr(">Submitted</a></th>"));
+    const auto found = rows(page->body);
+    ASSERT_FALSE(found.empty()) << "u1_5 has requisitions of this status";
+    for (const auto& cells : found) {
+      ASSERT_EQ(cells.size(), 7u);
+      EXPECT_FALSE(cells[4].empty()) << "every requisition shows when it was created";
+      EXPECT_EQ(cells[5].empty(), !k.dated) << cells[5];
+    }
+  }
+}
+
 TEST_F(PortalTest, PreferencesChangeEveryDateAndAmount) {
   auto me = sign_in("u1_4");
   auto c = client();
@@ -511,6 +550,98 @@ TEST_F(PortalTest, AttachmentsAndReportsAreDownloads) {
   auto missing = c.Get("/report/2?p_FromDate=", me.headers);
   EXPECT_EQ(missing->status, 422) << "a required parameter left empty";
   EXPECT_THAT(missing->body, HasSubstr("class=\"error\""));
+}
+
+TEST_F(PortalTest, AnotherOrganisationsDocumentsAreRefusedWithAClearPage) {
+  // An order of the first organisation and the requisition it came from.
+  const std::string po = std::to_string(query_int(
+      "SELECT COALESCE(MIN(o.po_id), 0) FROM purchase_orders o JOIN requisitions r ON "
+      "r.req_id = o.req_id WHERE r.borg_id = (SELECT borg_id FROM users WHERE login_id = "
+      "'u1_1')"));
+  ASSERT_NE(po, "0") << "the seed orders for the first organisation";
+  const std::string req =
+      std::to_string(query_int("SELECT req_id FROM purchase_orders WHERE po_id = " + po));
+  const std::string name = query_text("SELECT req_name FROM requisitions WHERE req_id = " + req);
+  const std::string owner_login = query_text(
+      "SELECT u.login_id FROM requisitions r JOIN users u ON u.sys_user_id = "
+      "r.requisitioner_id WHERE r.req_id = " + req);
+  auto stranger = sign_in("u2_5");
+  auto c = client();
+  const std::string pages[] = {"/req/" + req, "/po/" + po, "/po/" + po + "/reconcile",
+                               "/receive/" + po, "/receipts/" + po};
+  for (const std::string& path : pages) {
+    SCOPED_TRACE(path);
+    auto r = c.Get(path, stranger.headers);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 403);
+    EXPECT_THAT(r->body, HasSubstr("class=\"error\""));
+    EXPECT_THAT(r->body, HasSubstr("belongs to another organisation"));
+    EXPECT_THAT(r->body, Not(HasSubstr(name + "<"))) << "nothing of the document shows";
+  }
+  auto owner = sign_in(owner_login);
+  EXPECT_EQ(c.Get("/req/" + req, owner.headers)->status, 200);
+  EXPECT_EQ(c.Get("/po/" + po, owner.headers)->status, 200);
+  auto missing = c.Get("/req/999999", stranger.headers);
+  EXPECT_EQ(missing->status, 404);
+  EXPECT_THAT(missing->body, HasSubstr("does not exist"));
+}
+
+TEST(PortalHtml, HeadingsReadAsWords) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"ReqID", "Requisition"},                  // the portal's own label
+      {"UIDisplay_SubmitDate", "Submitted"},     // a display column of a known one
+      {"UIDisplay_DateLogged", "Date logged"},   // in words
+      {"req_id", "Req ID"},                      // a database name
+      {"TotalAmtDue", "Total amt due"},
+      {"HTMLFileName", "HTML file name"},        // an abbreviation keeps its capitals
+      {"PO_Number2", "PO number2"},
+      {"x", "X"},
+      {"__", "__"},                              // nothing but separators stays as it is
+  };
+  for (const auto& [column, heading] : cases) {
+    SCOPED_TRACE(column);
+    EXPECT_EQ(readable_heading(column), heading);
+  }
+}
+
+TEST(PortalHtml, ReportFilesReadBackAsRows) {
+  using Rows = std::vector<std::vector<std::string>>;
+  const std::pair<const char*, Rows> cases[] = {
+      {"ReqID,ReqName\r\n1,Pens\r\n", {{"ReqID", "ReqName"}, {"1", "Pens"}}},
+      {"A,B\r\n\"x, y\",\"say \"\"hi\"\"\"\r\n", {{"A", "B"}, {"x, y", "say \"hi\""}}},
+      {"A\r\n\"two\r\nlines\"\r\n", {{"A"}, {"two\r\nlines"}}},
+      {"A,B,C\n,,\n", {{"A", "B", "C"}, {"", "", ""}}},
+      {"A,B\r\n1,2", {{"A", "B"}, {"1", "2"}}},  // no line end after the last row
+      {"", {}},
+  };
+  for (const auto& [text, rows] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(csv_rows(text), rows);
+  }
+  const std::string table =
+      text_table({{"ReqName", "UIDisplay_x<y>"}, {"<b>bold</b>", "1"}, {"short"}});
+  EXPECT_THAT(table, HasSubstr("<th>Requisition name</th><th>X&lt;y&gt;</th>"));
+  EXPECT_THAT(table, HasSubstr("<td>&lt;b&gt;bold&lt;/b&gt;</td>"));
+  EXPECT_THAT(table, HasSubstr("<tr><td>short</td><td></td></tr>")) << "a short row is padded";
+  EXPECT_THAT(text_table({{"A"}}, "None."), HasSubstr("None."));
+}
+
+TEST_F(PortalTest, ReportsShowReadableHeadings) {
+  auto me = sign_in("u1_5");
+  auto c = client();
+  auto list = c.Get("/reports", me.headers);
+  ASSERT_EQ(list->status, 200);
+  EXPECT_THAT(list->body, HasSubstr(">From</label>"));
+  EXPECT_THAT(list->body, Not(HasSubstr(">FromDate<")));
+  auto shown = c.Get("/report/1?p_StatusID=&show=1", me.headers);
+  ASSERT_EQ(shown->status, 200);
+  EXPECT_THAT(shown->get_header_value("Content-Type"), HasSubstr("text/html"));
+  EXPECT_THAT(shown->body, HasSubstr("<th>Requisition</th><th>Requisition name</th><th>Status</th>"));
+  EXPECT_THAT(shown->body, Not(HasSubstr("<th>ReqID")));
+  EXPECT_THAT(shown->body, HasSubstr("href=\"/report/1?p_StatusID=\">Download CSV</a>"));
+  auto csv = c.Get("/report/1?p_StatusID=", me.headers);
+  EXPECT_THAT(csv->get_header_value("Content-Type"), HasSubstr("text/csv"));
+  EXPECT_EQ(csv->body.substr(0, 6), "ReqID,") << "the file keeps its column names";
 }
 
 TEST_F(PortalTest, RouteAndDelegationActionsShowTheirOutcome) {
@@ -582,6 +713,67 @@ TEST_F(PortalTest, AnyProcessServesAnySession) {
   auto out = c2.Post("/logout", me.headers, httplib::Params{{"csrf", me.csrf}});
   EXPECT_EQ(out->status, 303) << out->body;
   EXPECT_EQ(c.Get("/reqs", me.headers)->status, 303);
+}
+
+// On PostgreSQL: the server's connections cut (a restart, a dropped connection) between
+// requests. Pages read and sign-ins write again on new connections; nothing needs a restart.
+TEST(PortalOnPostgres, PagesWorkAgainAfterTheDatabaseConnectionsAreCut) {
+  namespace ref = kxui::reference;
+  if (!ref::testing::on_postgres()) GTEST_SKIP() << "SQLite has no connection to lose";
+  ref::testing::TempDir tmp;
+  ref::testing::ScratchDatabase scratch(tmp.path, "portal.db");
+  // Named, so that only this portal's connections are cut on a server other tests share.
+  const std::string name = "kxportal_cut_" + std::to_string(::getpid());
+  const std::string url = scratch.url() +
+                          (scratch.url().find('?') == std::string::npos ? " " : "&") +
+                          "application_name=" + name;
+  {
+    auto db = ref::Database::Open(url);
+    ref::SeedOptions o;
+    o.users_per_borg = 4;
+    o.parts = 20;
+    o.requisitions_per_user = 1;
+    ref::Seed(*db, o);
+  }
+  Server server(url);
+  httplib::Client c("127.0.0.1", server.port);
+  c.set_read_timeout(20, 0);
+  auto cookie_of = [](const httplib::Result& r) {
+    const std::string set = r->get_header_value("Set-Cookie");
+    return set.substr(0, set.find(';'));
+  };
+  auto sign_in = [&](const std::string& login) {
+    auto form = c.Get("/login");
+    std::smatch m;
+    std::regex_search(form->body, m, std::regex("name=\"csrf\" value=\"([0-9a-f]+)\""));
+    auto r = c.Post("/login", {{"Cookie", cookie_of(form)}},
+                    httplib::Params{{"csrf", m[1].str()}, {"login", login},
+                                    {"password", login + "-pw"}});
+    EXPECT_EQ(r->status, 303) << login << ": " << r->body;
+    return httplib::Headers{{"Cookie", cookie_of(r)}};
+  };
+  auto cut = [&] {
+    soci::session admin("postgresql",
+                        ref::parse_connection_string(ref::testing::server_url()).connect);
+    int ended = 0;
+    // CASE, so that the name is checked before anything is ended.
+    admin << "SELECT SUM(CASE WHEN application_name = :n THEN pg_terminate_backend(pid, 10000)::int "
+             "ELSE 0 END) FROM pg_stat_activity",
+        soci::use(name), soci::into(ended);
+    EXPECT_GE(ended, 1);
+  };
+  const httplib::Headers first = sign_in("u1_2");
+  ASSERT_EQ(c.Get("/reqs", first)->status, 200);
+  cut();
+  auto list = c.Get("/reqs", first);
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->status, 200) << list->body;
+  EXPECT_THAT(list->body, HasSubstr("u1_2"));
+  cut();
+  const httplib::Headers second = sign_in("u2_3");
+  auto home = c.Get("/", second);
+  EXPECT_EQ(home->status, 200);
+  EXPECT_THAT(home->body, HasSubstr("Today is"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "reference/register.h"
@@ -11,7 +12,9 @@ namespace portal {
 
 PortalServer::PortalServer(const ServerConfig& config)
     : config_(config), runtime_(std::make_shared<kxui::Runtime>()) {
-  db_ = kxui::reference::Database::Open(config.db_url);
+  kxui::reference::DatabaseOptions db_options;
+  db_options.connections = config.connections > 0 ? config.connections : std::min(config.threads, 8);
+  db_ = kxui::reference::Database::Open(config.db_url, db_options);
   kxui::services::ServiceOptions services;
   services.ini_directory = std::filesystem::temp_directory_path();
   kxui::services::RegisterDefaultServices(*runtime_, services);

@@ -16,6 +16,9 @@ struct ServerConfig {
   std::string host = "127.0.0.1";
   int port = 8080;  // 0: any free port
   int threads = 16;
+  // PostgreSQL connections the threads share, opened as needed; 0: one per thread, at
+  // most 8 (more rarely helps: see docs/deployment.md). SQLite always uses one.
+  int connections = 0;
   PortalOptions portal;
 };
 
