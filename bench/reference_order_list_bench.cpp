@@ -6,87 +6,21 @@
 // database is kept in the build tree, so only the first run pays for seeding it.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
-#include "bench/list_ratio.h"
+#include "bench/list_bench.h"
 #include "kxui/po/ui_po.h"
-#include "reference/database.h"
-#include "reference/register.h"
-#include "reference/seed.h"
-#include "reference/soci_include.h"
-#include "services/register.h"
 
 namespace {
 
 using namespace kxui;
-
-// Bumped whenever the seeded data changes, so that an older file is not reused.
-constexpr const char* kDataVersion = "v1";
-
-// The seeded database for `orders`, seeded first when no earlier run left it. It is
-// seeded under another name and renamed when complete: an interrupted run leaves no
-// half-seeded file behind to be taken for a whole one.
-std::filesystem::path seeded_file(int32_t orders) {
-  const std::filesystem::path dir = KXUI_BENCH_DATA_DIR;
-  std::filesystem::create_directories(dir);
-  const std::string name = std::string("orders_") + kDataVersion + "_" + std::to_string(orders);
-  const std::filesystem::path file = dir / (name + ".db");
-  if (std::filesystem::exists(file)) return file;
-  const std::filesystem::path partial = dir / (name + ".seeding." + std::to_string(::getpid()));
-  {
-    auto db = reference::Database::Open(partial.string());
-    reference::SeedOptions seed;
-    seed.users_per_borg = 2;
-    seed.parts = 50;
-    seed.requisitions_per_user = 0;
-    seed.bench_orders = orders;
-    reference::Seed(*db, seed);
-  }
-  std::filesystem::rename(partial, file);
-  return file;
-}
-
-struct Setup {
-  std::filesystem::path ini_dir;
-  std::shared_ptr<reference::Database> db;
-  std::shared_ptr<Runtime> runtime = std::make_shared<Runtime>();
-  std::shared_ptr<BasicSession> session = std::make_shared<BasicSession>();
-
-  explicit Setup(int32_t orders) {
-    ini_dir = std::filesystem::temp_directory_path() /
-              ("kxbench_po_" + std::to_string(::getpid()) + "_" + std::to_string(orders));
-    std::filesystem::remove_all(ini_dir);
-    std::filesystem::create_directories(ini_dir);
-    db = reference::Database::Open(seeded_file(orders).string());
-    services::ServiceOptions options;
-    options.ini_directory = ini_dir;
-    services::RegisterDefaultServices(*runtime, options);
-    reference::Register(*runtime, db);
-    db->read([&](soci::session& sql) {
-      sql << "SELECT sys_user_id, borg_id FROM users WHERE login_id = 'bench'",
-          soci::into(session->sys_user_id), soci::into(session->borg_id);
-    });
-    session->time_zone_id = 4;  // not 15: every date is converted as well as formatted
-  }
-  ~Setup() {
-    runtime.reset();
-    db.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(ini_dir, ec);
-  }
-};
+using kxbench::Setup;
 
 Setup& setup(int32_t orders) {
-  static std::map<int32_t, std::unique_ptr<Setup>> cache;
-  auto& s = cache[orders];
-  if (!s) s = std::make_unique<Setup>(orders);
-  return *s;
+  return kxbench::setup(kxbench::seeded_file(
+      "orders_v1_" + std::to_string(orders),
+      [orders](reference::SeedOptions& seed) { seed.bench_orders = orders; }));
 }
 
 // The sorts measured: the list's own (newest first) and oldest first.
