@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "kxui/frame/recordset.h"
 #include "kxui/frame/runtime.h"
 #include "kxui/frame/session.h"
 #include "reference/database.h"
@@ -144,5 +145,54 @@ class RatioReporter : public benchmark::ConsoleReporter {
   Labels labels_;
   std::map<std::string, std::pair<double, double>> ms_;  // arguments -> median ms, real and CPU
 };
+
+// One page of a list: `sort` as the page passes it, `page` counted from 1. A null record
+// set is a failure, described in `error`.
+using PageFn = std::function<kxui::RecordsetPtr(Setup&, const char* sort, int32_t page,
+                                                std::string& error)>;
+
+// Measures `name`'s first and middle page, newest and oldest first, over lists of every
+// size (`fallback` unless KXUI_BENCH_LIST_ROWS says otherwise), each over the Setup
+// `setup_for` gives for that size; then prints the ratios.
+inline int run_list_pages(int argc, char** argv, const std::string& name, const char* fallback,
+                          std::function<Setup&(int32_t)> setup_for, PageFn page_of) {
+  static constexpr const char* kSorts[] = {"", "CreateDate"};  // the list's own, then oldest first
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  const std::vector<int64_t> sizes = list_sizes(fallback);
+  // Args: rows, page (0 = the middle page), sort (index into kSorts).
+  auto run = [setup_for, page_of, name](benchmark::State& state) {
+    const auto rows = static_cast<int32_t>(state.range(0));
+    Setup& s = setup_for(rows);
+    const int32_t page = state.range(1) == 0 ? rows / 20 / 2 : static_cast<int32_t>(state.range(1));
+    std::string error;
+    for (auto _ : state) {
+      kxui::RecordsetPtr out = page_of(s, kSorts[state.range(2)], page, error);
+      if (!out || out->RecordCount() != 20) {
+        state.SkipWithError(("no page of " + name + ": " + error).c_str());
+        break;
+      }
+      benchmark::DoNotOptimize(out);
+    }
+    state.counters["rows"] = rows;
+  };
+  for (int64_t rows : sizes) {
+    for (int64_t sort : {0, 1}) {
+      for (int64_t page : {1, 0}) {
+        benchmark::RegisterBenchmark(name.c_str(), run)
+            ->Args({rows, page, sort})
+            ->Repetitions(3)
+            ->Unit(benchmark::kMillisecond);
+      }
+    }
+  }
+  RatioReporter reporter(sizes, {{"1/0", "first page, newest first"},
+                                 {"0/0", "middle page, newest first"},
+                                 {"1/1", "first page, oldest first"},
+                                 {"0/1", "middle page, oldest first"}});
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  benchmark::Shutdown();
+  return 0;
+}
 
 }  // namespace kxbench
