@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -16,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+#include "kxui/frame/errors.h"
+#include "kxui/frame/failure.h"
 #include "kxui/frame/recordset.h"
 #include "kxui/frame/runtime.h"
 #include "kxui/frame/session.h"
@@ -252,6 +255,24 @@ inline void type_receipt(Recordset& header, Recordset& lines, const std::string&
     lines["UIDisplay_PackingSlipQty"].SetValue(Variant(typed.at(i).second));
     if (i < comments.size()) lines["Comments"].SetValue(Variant(comments[i]));
   }
+}
+
+// A list read on demand whose last rows `remove` deletes after the list was counted and
+// its first rows read: reading its last row fails with "no current record" rather than
+// showing another row in its place, and the rows read before stay.
+inline void expect_rows_gone_fail_the_read(Recordset& list, const std::function<void()>& remove) {
+  const int32_t n = list.RecordCount();
+  const Variant first = list.value(0);
+  remove();
+  list.SetAbsolutePosition(n);
+  try {
+    (void)list.value(0);
+    ADD_FAILURE() << "read a row that is gone";
+  } catch (const Failure& e) {
+    EXPECT_EQ(e.number(), err::kNoCurrentRecord);
+  }
+  list.MoveFirst();
+  EXPECT_EQ(list.value(0), first) << "rows read before stay";
 }
 
 }  // namespace kxui::reference::testing
