@@ -121,30 +121,6 @@ RecordsetPtr whole_list(Database& db, int32_t self, int32_t caller_borg, const A
   });
 }
 
-// Visits the rows of `list` in the order `walk` gives, each against the same row of
-// `whole`, cell by cell: a window that skipped or repeated a row shows another order.
-void expect_same_rows(Recordset& list, Recordset& whole, const std::vector<int32_t>& walk) {
-  ASSERT_EQ(list.RecordCount(), whole.RecordCount());
-  for (int32_t pos : walk) {
-    SCOPED_TRACE(pos);
-    list.SetAbsolutePosition(pos);
-    whole.SetAbsolutePosition(pos);
-    for (int32_t c = 0; c < whole.GetFields().Count(); ++c) {
-      ASSERT_EQ(list.value(c), whole.value(c)) << whole.GetFields().info(c).name;
-    }
-  }
-}
-
-// A middle stretch, then backwards from the end, then every row forwards: the cursor
-// reaches rows in windows of every size the record set reads, across their boundaries.
-std::vector<int32_t> walk_of(int32_t n) {
-  std::vector<int32_t> walk;
-  for (int32_t p = std::max(1, n / 2); p < n / 2 + 20 && p <= n; ++p) walk.push_back(p);
-  for (int32_t p = n; p > n - 70 && p > 0; --p) walk.push_back(p);
-  for (int32_t p = 1; p <= n; ++p) walk.push_back(p);
-  return walk;
-}
-
 struct Sort {
   const char* by;
   const char* order;
@@ -191,7 +167,7 @@ void expect_lists_as_before(Fixture& f, int32_t first_order, const ListCall& cal
         RecordsetPtr whole = whole_list(*f.db, f.ids.alice, caller_borg, whole_ask, sort.order);
         const int32_t n = whole->RecordCount();
         EXPECT_EQ(list->AbsolutePosition(), n > 0 ? 1 : adPosUnknown);
-        expect_same_rows(*list, *whole, walk_of(n));
+        testing::expect_same_rows(*list, *whole);
       }
     }
   }

@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -254,6 +255,27 @@ inline void type_receipt(Recordset& header, Recordset& lines, const std::string&
     lines["UIDisplay_ReceivedQty"].SetValue(Variant(typed.at(i).first));
     lines["UIDisplay_PackingSlipQty"].SetValue(Variant(typed.at(i).second));
     if (i < comments.size()) lines["Comments"].SetValue(Variant(comments[i]));
+  }
+}
+
+// A list read on demand against the same list read whole, cell by cell, the cursor
+// visiting a middle stretch, then backwards from the end, then every row forwards: it
+// reaches rows in windows of every size the record set reads, across their boundaries,
+// and a window that skipped or repeated a row shows another one.
+inline void expect_same_rows(Recordset& list, Recordset& whole) {
+  ASSERT_EQ(list.RecordCount(), whole.RecordCount());
+  const int32_t n = whole.RecordCount();
+  std::vector<int32_t> walk;
+  for (int32_t p = std::max(1, n / 2); p < n / 2 + 20 && p <= n; ++p) walk.push_back(p);
+  for (int32_t p = n; p > n - 70 && p > 0; --p) walk.push_back(p);
+  for (int32_t p = 1; p <= n; ++p) walk.push_back(p);
+  for (int32_t pos : walk) {
+    SCOPED_TRACE(pos);
+    list.SetAbsolutePosition(pos);
+    whole.SetAbsolutePosition(pos);
+    for (int32_t c = 0; c < whole.GetFields().Count(); ++c) {
+      ASSERT_EQ(list.value(c), whole.value(c)) << whole.GetFields().info(c).name;
+    }
   }
 }
 
