@@ -16,8 +16,8 @@ import time
 
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
+from selenium.common.exceptions import StaleElementReferenceException, WebDriverException
 from selenium.webdriver.common.by import By
-from selenium.webdriver.support import expected_conditions
 from selenium.webdriver.support.ui import WebDriverWait
 
 failures = []
@@ -70,7 +70,9 @@ def main():
     ap.add_argument("--build", default="build/default")
     ap.add_argument("--out", default="build/portal-screens")
     args = ap.parse_args()
-    os.makedirs(args.out, exist_ok=True)
+    # Only this run's screenshots, numbered as this run takes them.
+    shutil.rmtree(args.out, ignore_errors=True)
+    os.makedirs(args.out)
     portal = Portal(args.build, os.path.join(os.path.dirname(args.out), "portal-browser"))
     driver = browser()
     shot_count = [0]
@@ -82,11 +84,26 @@ def main():
     def go(path):
         driver.get(portal.url + path)
 
+    def left(page):
+        # The page is gone once its root is stale; chromedriver may instead answer that the
+        # node no longer belongs to the document when asked in the middle of the change.
+        def gone(_):
+            try:
+                page.is_enabled()
+                return False
+            except StaleElementReferenceException:
+                return True
+            except WebDriverException as e:
+                if "does not belong to the document" in str(e):
+                    return True
+                raise
+        return gone
+
     def submit(element):
         # Waits for the next page, so that checks never read the page being left.
         page = driver.find_element(By.TAG_NAME, "html")
         element.click()
-        WebDriverWait(driver, 20).until(expected_conditions.staleness_of(page))
+        WebDriverWait(driver, 20).until(left(page))
 
     def body():
         return driver.find_element(By.TAG_NAME, "body").text
