@@ -233,8 +233,8 @@ TEST(OrderLists, TheReceivingListHasTheRowsOfTheWholeListForEverySortAndFilter) 
       "1,2,3,4");  // an empty status list asks for the orders still to be received
 }
 
-// An order keeps its requisitioner's list however it was written: inserted, or moved to
-// another requisition.
+// An order keeps its requisitioner's list however it was written: inserted, moved to
+// another requisition, or its requisition moved to another organisation.
 TEST(OrderLists, AnOrderFollowsItsRequisitionsRequisitioner) {
   auto f = make_fixture();
   const int32_t first = add_orders(*f);
@@ -270,6 +270,13 @@ TEST(OrderLists, AnOrderFollowsItsRequisitionsRequisitioner) {
   EXPECT_EQ(ids_of(f->ids.alice, berg).count(first), 0u);
   EXPECT_EQ(ids_of(f->ids.bob, acme).count(first), 1u) << "the last requisition is bob's, Acme's";
   EXPECT_EQ(ids_of(f->ids.alice, berg).size(), 37u);
+  f->db->write([&](soci::session& sql) {
+    sql << "UPDATE requisitions SET borg_id = :b WHERE req_id = (SELECT req_id FROM "
+           "purchase_orders WHERE po_id = :p)",
+        soci::use(berg), soci::use(first);
+  });
+  EXPECT_EQ(ids_of(f->ids.bob, acme).count(first), 0u);
+  EXPECT_EQ(ids_of(f->ids.bob, berg).count(first), 1u) << "listed under its new organisation";
 }
 
 // A list whose rows change after it was counted fails on the rows it can no longer read,

@@ -206,15 +206,15 @@ struct OrderShape {
 
 // The list's FROM and WHERE, with the orders as `o`.
 std::string order_filter(const OrderShape& shape) {
-  std::string from = "FROM purchase_orders o JOIN requisitions r ON r.req_id = o.req_id ";
-  std::string where = "WHERE r.borg_id = :caller_borg AND ";
+  std::string from = "FROM purchase_orders o ";
+  std::string where = "WHERE o.borg_id = :caller_borg AND ";
   if (shape.one_user) {
     where += "o.requisitioner_id = :uid";
   } else {
-    from += "JOIN users u ON u.sys_user_id = r.requisitioner_id ";
-    where += "((:login = '' AND r.requisitioner_id = :self) OR LOWER(u.login_id) = :login2)";
+    from += "JOIN users u ON u.sys_user_id = o.requisitioner_id ";
+    where += "((:login = '' AND o.requisitioner_id = :self) OR LOWER(u.login_id) = :login2)";
   }
-  if (shape.borg) where += " AND r.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
+  if (shape.borg) where += " AND o.borg_id IN (SELECT b.borg_id FROM borgs b WHERE b.name = :borg)";
   if (shape.number) where += " AND LOWER('PO-' || CAST(o.po_id AS VARCHAR(20))) = :num";
   if (shape.statuses) {
     where += " AND :st LIKE ('%,' || CAST(o.status_id AS VARCHAR(11)) || ',%')";

@@ -477,6 +477,47 @@ void create_order_list_indexes(soci::session& sql, Backend backend) {
          "create_date, po_id)";
 }
 
+// Orders carry their requisition's organisation as well as its requisitioner, both kept
+// by the database, so that a user's order list, which shows only orders of the caller's
+// organisation, is counted and read from one index without visiting the requisitions.
+void copy_order_organisations(soci::session& sql, Backend backend) {
+  sql << "ALTER TABLE purchase_orders ADD COLUMN borg_id INTEGER REFERENCES borgs(borg_id)";
+  sql << "UPDATE purchase_orders SET borg_id = (SELECT r.borg_id FROM requisitions r "
+         "WHERE r.req_id = purchase_orders.req_id)";
+  if (backend == Backend::kPostgres) {
+    sql << "CREATE OR REPLACE FUNCTION purchase_orders_requisitioner() RETURNS trigger AS $$ "
+           "BEGIN SELECT r.requisitioner_id, r.borg_id INTO NEW.requisitioner_id, NEW.borg_id "
+           "FROM requisitions r WHERE r.req_id = NEW.req_id; RETURN NEW; END $$ LANGUAGE plpgsql";
+    sql << "DROP TRIGGER purchase_orders_requisitioner ON purchase_orders";
+    sql << "CREATE TRIGGER purchase_orders_requisitioner BEFORE INSERT OR UPDATE OF req_id, "
+           "requisitioner_id, borg_id ON purchase_orders FOR EACH ROW "
+           "EXECUTE FUNCTION purchase_orders_requisitioner()";
+    sql << "CREATE FUNCTION requisitions_orders_follow() RETURNS trigger AS $$ BEGIN "
+           "UPDATE purchase_orders SET requisitioner_id = NEW.requisitioner_id, "
+           "borg_id = NEW.borg_id WHERE req_id = NEW.req_id; RETURN NULL; END $$ LANGUAGE plpgsql";
+    sql << "CREATE TRIGGER requisitions_orders_follow AFTER UPDATE OF requisitioner_id, borg_id "
+           "ON requisitions FOR EACH ROW EXECUTE FUNCTION requisitions_orders_follow()";
+  } else {
+    const std::string copy =
+        "UPDATE purchase_orders SET requisitioner_id = (SELECT r.requisitioner_id FROM "
+        "requisitions r WHERE r.req_id = NEW.req_id), borg_id = (SELECT r.borg_id FROM "
+        "requisitions r WHERE r.req_id = NEW.req_id) WHERE po_id = NEW.po_id; ";
+    sql << "DROP TRIGGER purchase_orders_requisitioner";
+    sql << "DROP TRIGGER purchase_orders_requisitioner_kept";
+    sql << "CREATE TRIGGER purchase_orders_requisitioner AFTER INSERT ON purchase_orders BEGIN " +
+               copy + "END";
+    sql << "CREATE TRIGGER purchase_orders_requisitioner_kept AFTER UPDATE OF req_id, "
+           "requisitioner_id, borg_id ON purchase_orders BEGIN " +
+               copy + "END";
+    sql << "CREATE TRIGGER requisitions_orders_follow AFTER UPDATE OF requisitioner_id, borg_id "
+           "ON requisitions BEGIN UPDATE purchase_orders SET requisitioner_id = "
+           "NEW.requisitioner_id, borg_id = NEW.borg_id WHERE req_id = NEW.req_id; END";
+  }
+  sql << "DROP INDEX purchase_orders_user_created";
+  sql << "CREATE INDEX purchase_orders_user_created ON purchase_orders(requisitioner_id, "
+         "borg_id, create_date, po_id)";
+}
+
 }  // namespace
 
 const std::vector<Migration>& migrations() {
@@ -491,6 +532,7 @@ const std::vector<Migration>& migrations() {
       {8, "portal one-time form tokens", create_portal_form_tokens},
       {9, "kept requisition list counts", create_list_counts},
       {10, "order list indexes", create_order_list_indexes},
+      {11, "orders carry their organisation", copy_order_organisations},
   };
   return all;
 }
